@@ -1,0 +1,172 @@
+#include "TavikCLI/LookupReport.h"
+
+#include "Dictionary/DictionaryJSON.h"
+#include "Dictionary/DictionaryLabels.h"
+#include "Text/CharacterClasses.h"
+#include "Text/LineWrap.h"
+#include "Text/Unicode.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
+namespace tavik {
+namespace {
+
+constexpr std::size_t maxSentenceCharacters = 400;
+constexpr std::size_t maxDefinitions = 5;
+constexpr std::size_t maxLineColumns = 100;
+constexpr std::size_t minLineColumns = 20;
+
+std::vector<std::string> knownForms(const WordLookup& lookup) {
+    std::vector<std::string> forms{lookup.selection};
+    const std::string normal = TextUtil::normalizeWord(lookup.selection);
+    forms.push_back(normal);
+    if (!lookup.entry) return forms;
+    forms.push_back(lookup.entry->word);
+    for (const auto& [key, form] : lookup.entry->exchange)
+        if (!exchangeLabel(key).empty()) forms.push_back(form);
+    return forms;
+}
+
+/// Builds the report line by line, wrapped and indented for the terminal.
+class Report {
+public:
+    explicit Report(const Terminal& terminal) : terminal(terminal) {}
+
+    /// One line as it is; `styledText` holds no text from outside that is not printable.
+    void line(const std::string& styledText) { text += styledText + '\n'; }
+
+    void paragraph(std::string_view content, std::size_t indent,
+                   TextStyle style = TextStyle::plain) {
+        const std::size_t columns = std::min(terminal.columns, maxLineColumns);
+        const std::size_t room =
+            columns > indent + minLineColumns ? columns - indent : minLineColumns;
+        for (const std::string& wrapped : wrappedLines(printable(content), room))
+            line(std::string(indent, ' ') + inStyle(style, wrapped));
+    }
+
+    void heading(std::string_view title) { line(inStyle(TextStyle::faint, title)); }
+
+    std::string inStyle(TextStyle style, std::string_view content) const {
+        return styled(terminal, style, content);
+    }
+
+    std::string finished() { return std::move(text); }
+
+private:
+    const Terminal& terminal;
+    std::string text;
+};
+
+std::string headline(const Report& report, const DictEntry& entry) {
+    std::string line = report.inStyle(TextStyle::bold, printable(entry.word));
+    if (!entry.phonetic.empty())
+        line += "  " + report.inStyle(TextStyle::faint, '/' + printable(entry.phonetic) + '/');
+    std::string marks;
+    for (int star = 0; star < std::min(entry.collins, 5); ++star)
+        marks += "★";
+    if (entry.oxford) marks += " 牛津核心";
+    for (const std::string& tag : entry.tags)
+        marks += ' ' + printable(tagLabel(tag));
+    const std::string_view shown = trimmed(marks, isWhiteSpace);
+    return shown.empty() ? line : line + "  " + report.inStyle(TextStyle::faint, shown);
+}
+
+std::string inflections(const DictEntry& entry) {
+    std::string line;
+    for (const auto& [key, form] : entry.exchange) {
+        const std::string label = exchangeLabel(key);
+        if (label.empty()) continue;
+        if (!line.empty()) line += " · ";
+        line += label;
+        line += ' ' + form;
+    }
+    return line;
+}
+
+void addEntry(Report& report, const WordLookup& lookup) {
+    const DictEntry& entry = *lookup.entry;
+    report.line(headline(report, entry));
+    const std::string selected = TextUtil::normalizeWord(lookup.selection);
+    if (selected != lookup.lemma)
+        report.paragraph(selected + " → " + lookup.lemma, 2, TextStyle::faint);
+    for (const std::string& sense : entry.translations)
+        report.paragraph(sense, 2);
+    if (const std::string forms = inflections(entry); !forms.empty()) {
+        report.heading("变形");
+        report.paragraph(forms, 2);
+    }
+    if (entry.definitions.empty()) return;
+    report.heading("英文释义");
+    const std::size_t shown = std::min(entry.definitions.size(), maxDefinitions);
+    for (std::size_t i = 0; i < shown; ++i)
+        report.paragraph(entry.definitions[i], 2);
+}
+
+void addExamples(Report& report, const std::vector<ExampleSentence>& examples) {
+    if (examples.empty()) return;
+    report.heading("例句");
+    for (const ExampleSentence& example : examples) {
+        report.paragraph(example.en, 2);
+        if (!example.zh.empty()) report.paragraph(example.zh, 4, TextStyle::faint);
+    }
+}
+
+void addContext(Report& report, const SentenceContext& context) {
+    report.heading("所在句子");
+    if (!context.highlight) {
+        report.paragraph(context.sentence, 2);
+        return;
+    }
+    const auto& [before, match, after] = *context.highlight;
+    report.line("  " + printable(before)
+                + report.inStyle(TextStyle::accent, '[' + printable(match) + ']')
+                + printable(after));
+}
+
+} // namespace
+
+std::optional<SentenceContext> sentenceContext(const WordLookup& lookup, std::string_view text) {
+    const std::string_view given = trimmed(text, isWhiteSpace);
+    if (given.empty()) return std::nullopt;
+    const auto forms = knownForms(lookup);
+    const auto found = TextUtil::highlight(given, forms);
+    if (!found) return SentenceContext{std::string(given), std::nullopt};
+    const auto location = static_cast<std::int64_t>(utf16FromUTF8(found->before).size());
+    const auto length = static_cast<std::int64_t>(utf16FromUTF8(found->match).size());
+    const auto cut =
+        TextUtil::sentence(utf16FromUTF8(given), {location, length}, maxSentenceCharacters);
+    std::string sentence = cut.value_or(std::string(given));
+    auto highlight = TextUtil::highlight(sentence, {found->match});
+    return SentenceContext{std::move(sentence), std::move(highlight)};
+}
+
+std::string lookupJSON(const WordLookup& lookup, const std::optional<SentenceContext>& context) {
+    nlohmann::ordered_json json;
+    json["selection"] = lookup.selection;
+    json["sentence"] = nullptr;
+    if (context) json["sentence"] = context->sentence;
+    json["lemma"] = lookup.lemma;
+    json["headword"] = lookup.headword();
+    json["isWord"] = lookup.isWord;
+    json["entry"] = nullptr;
+    if (lookup.entry) json["entry"] = nlohmann::json(*lookup.entry);
+    json["examples"] = nlohmann::json(lookup.examples);
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string lookupText(const WordLookup& lookup, const std::optional<SentenceContext>& context,
+                       const Terminal& terminal) {
+    Report report(terminal);
+    if (lookup.entry)
+        addEntry(report, lookup);
+    else
+        report.line(report.inStyle(TextStyle::bold, printable(lookup.selection)) + "  没有查到");
+    addExamples(report, lookup.examples);
+    if (context) addContext(report, *context);
+    report.line("");
+    return report.finished();
+}
+
+} // namespace tavik
