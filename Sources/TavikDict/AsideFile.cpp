@@ -1,0 +1,81 @@
+#include "TavikDict/AsideFile.h"
+
+#include "TavikDict/BuildError.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace tavik {
+namespace {
+
+[[noreturn]] void throwFailure(const std::string& what, const std::filesystem::path& path) {
+    const std::string reason = std::generic_category().message(errno);
+    throw BuildError(what + ' ' + path.string() + " 失败（" + reason + "）。请检查磁盘空间和权限");
+}
+
+/// An open file or directory, closed at the end of the scope.
+class Descriptor {
+public:
+    Descriptor(const std::filesystem::path& path, int flags)
+        : number(open(path.c_str(), flags | O_CLOEXEC)) {
+        if (number < 0) throwFailure("打开", path);
+    }
+
+    ~Descriptor() { close(number); }
+
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    void forceToDisk(const std::filesystem::path& path) const {
+        if (fsync(number) != 0) throwFailure("写入", path);
+    }
+
+private:
+    int number;
+};
+
+std::filesystem::path directoryOf(const std::filesystem::path& file) {
+    return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+}
+
+} // namespace
+
+DirectoryLock::DirectoryLock(const std::filesystem::path& directory)
+    : descriptor(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (descriptor < 0) throwFailure("打开目录", directory);
+    if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return;
+    close(descriptor);
+    throw BuildError("另一个 tavik-dict 正在 " + directory.string() + " 里生成词典，请等它结束");
+}
+
+DirectoryLock::~DirectoryLock() {
+    close(descriptor);
+}
+
+AsideFile::AsideFile(std::filesystem::path target)
+    : target(std::move(target)), aside(this->target.string() + ".part") {
+    removeAside();
+}
+
+AsideFile::~AsideFile() {
+    if (!isCommitted) removeAside();
+}
+
+void AsideFile::commit() {
+    Descriptor(aside, O_RDONLY).forceToDisk(aside);
+    if (rename(aside.c_str(), target.c_str()) != 0) throwFailure("写入", target);
+    isCommitted = true;
+    Descriptor(directoryOf(target), O_RDONLY | O_DIRECTORY).forceToDisk(target);
+}
+
+void AsideFile::removeAside() const noexcept {
+    std::error_code ignored;
+    for (const char* const ending : {"", "-journal", "-wal", "-shm"})
+        std::filesystem::remove(aside.string() + ending, ignored);
+}
+
+} // namespace tavik

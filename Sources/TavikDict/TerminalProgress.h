@@ -1,0 +1,35 @@
+#pragma once
+
+#include "TavikDict/BuildObserver.h"
+#include "TavikTerminal/Terminal.h"
+
+#include <chrono>
+#include <string>
+
+namespace tavik {
+
+/// Shows a build on standard error: a progress bar for a person, a line for each stage in a log.
+/// SIGINT and SIGTERM stop the build at its next step with a `BuildError`.
+class TerminalProgress final : public BuildObserver {
+public:
+    TerminalProgress();
+    /// Ends the bar's line.
+    ~TerminalProgress() override;
+
+    void stageBegan(std::string_view title, std::int64_t total) override;
+    void stageAdvanced(std::int64_t done) override;
+    void lineSkipped(const std::filesystem::path& file, std::int64_t line,
+                     std::string_view reason) override;
+
+private:
+    void draw(std::int64_t done);
+    void clearLine() const;
+
+    Terminal terminal;
+    std::string title;
+    std::int64_t total = 0;
+    std::int64_t skippedInStage = 0;
+    std::chrono::steady_clock::time_point nextDraw;
+};
+
+} // namespace tavik
