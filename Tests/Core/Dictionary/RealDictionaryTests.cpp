@@ -1,0 +1,70 @@
+#include "Base/ResourceFile.h"
+#include "Lookup/WordLookup.h"
+#include "Text/TextUtil.h"
+#include "Text/Unicode.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace tavik {
+namespace {
+
+/// The dictionary that `tavik-dict` built for this source tree.
+class RealDictionaryTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const auto path = resourceFile("dict.sqlite");
+        if (!std::filesystem::exists(path))
+            GTEST_SKIP() << "no dictionary has been built at " << path;
+        dictionary.emplace(path.string());
+    }
+
+    std::optional<OfflineDictionary> dictionary;
+};
+
+TEST_F(RealDictionaryTest, wordsAsPeopleSelectThemBecomeTheirEntry) {
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"  Running ", "run"},   {"went.", "go"},
+        {"“children”", "child"}, {"don’t", "don't"},
+        {"does", "do"},          {"geese", "goose"},
+        {"was", "be"},           {"better", "good"},
+        {"gave\nup", "give up"}, {"took off", "take off"},
+        {"News", "news"},        {"his", "his"},
+        {"species", "species"},  {"Thomas", "thomas"},
+        {"number", "number"},    {"studies", "study"}};
+    for (const auto& [selection, lemma] : cases) {
+        const WordLookup lookup = lookUpWord(&*dictionary, selection);
+        EXPECT_EQ(lookup.lemma, lemma) << selection;
+        EXPECT_TRUE(lookup.isWord) << selection;
+        EXPECT_FALSE(lookup.entry->brief().empty()) << selection;
+    }
+}
+
+TEST_F(RealDictionaryTest, entriesAreCleanText) {
+    for (const char* const word : {"run", "about-turn", "apple", "take", "beautiful", "the"}) {
+        const auto entry = dictionary->entry(word);
+        ASSERT_TRUE(entry) << word;
+        EXPECT_EQ(entry->phonetic.find_first_of("\\:',"), std::string::npos) << entry->phonetic;
+        for (const std::string& sense : entry->translations) {
+            EXPECT_EQ(sense.find("\\n"), std::string::npos) << sense;
+            EXPECT_EQ(printable(sense), sense);
+        }
+    }
+    EXPECT_EQ(dictionary->entry("about-turn")->phonetic, "əbajtˈtəːn");
+}
+
+TEST_F(RealDictionaryTest, examplesHoldTheWordOrOneOfItsForms) {
+    for (const std::string word : {"run", "give up", "child", "mouse", "abandon"}) {
+        const auto lookup = lookUpWord(&*dictionary, word);
+        EXPECT_EQ(lookup.examples.size(), 3U) << word;
+        std::vector<std::string> forms{word, "gave up", "giving up", "given up"};
+        for (const auto& [key, form] : lookup.entry->exchange)
+            forms.push_back(form);
+        for (const ExampleSentence& example : lookup.examples)
+            EXPECT_TRUE(TextUtil::highlight(example.en, forms)) << example.en;
+    }
+}
+
+} // namespace
+} // namespace tavik
