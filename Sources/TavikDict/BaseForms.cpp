@@ -1,37 +1,74 @@
 #include "TavikDict/BaseForms.h"
 
+#include "TavikDict/ClosedClasses.h"
 #include "Text/Unicode.h"
 
 #include <algorithm>
-#include <string_view>
-#include <unordered_set>
+#include <array>
 
 namespace tavik {
 namespace {
 
+using PartOfSpeech = WordNet::PartOfSpeech;
+
 /// Tag counts below this are chance.
 constexpr std::int64_t wellAttested = 3;
+constexpr std::size_t shortWord = 3;
 
-const std::unordered_map<std::string_view, std::string_view> auxiliaryForms{
-    {"am", "be"},   {"are", "be"},   {"is", "be"},    {"was", "be"},   {"were", "be"},
-    {"been", "be"}, {"being", "be"}, {"has", "have"}, {"had", "have"}, {"having", "have"},
-    {"does", "do"}, {"did", "do"},   {"done", "do"},  {"doing", "do"},
-};
+constexpr std::array<PartOfSpeech, WordNet::partsOfSpeech> allPartsOfSpeech{
+    PartOfSpeech::noun, PartOfSpeech::verb, PartOfSpeech::adjective, PartOfSpeech::adverb};
 
-const std::unordered_set<std::string_view> ownBaseForms{
-    "i",     "me",        "my",      "mine",   "myself",  "we",       "us",         "our",
-    "ours",  "ourselves", "you",     "your",   "yours",   "yourself", "yourselves", "he",
-    "him",   "his",       "himself", "she",    "her",     "hers",     "herself",    "it",
-    "its",   "itself",    "they",    "them",   "their",   "theirs",   "themselves", "this",
-    "that",  "these",     "those",   "who",    "whom",    "whose",    "which",      "what",
-    "where", "when",      "why",     "how",    "a",       "an",       "the",        "not",
-    "no",    "nor",       "and",     "or",     "but",     "if",       "as",         "at",
-    "by",    "in",        "on",      "of",     "to",      "for",      "from",       "with",
-    "than",  "then",      "thus",    "so",     "such",    "some",     "any",        "all",
-    "both",  "each",      "every",   "either", "neither", "other",    "others",     "another",
-    "can",   "could",     "may",     "might",  "shall",   "should",   "will",       "would",
-    "must",  "ought",     "during",  "always", "perhaps", "this",     "less",       "lest",
-    "news",  "species",   "series",  "means"};
+bool contains(std::string_view text, std::string_view piece) {
+    return text.find(piece) != std::string_view::npos;
+}
+
+bool isPersonalName(std::string_view translation) {
+    constexpr std::array<std::string_view, 4> marks{"姓氏", "人名", "男子名", "女子名"};
+    return std::any_of(marks.begin(), marks.end(),
+                       [&](std::string_view mark) { return contains(translation, mark); });
+}
+
+/// The American spelling of British endings; WordNet counts both under the American one.
+std::string americanSpelling(const std::string& word) {
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 9> spellings{
+        {{"our", "or"},
+         {"isa", "iza"},
+         {"ise", "ize"},
+         {"isi", "izi"},
+         {"yse", "yze"},
+         {"ysi", "yzi"},
+         {"lled", "led"},
+         {"lling", "ling"},
+         {"tre", "ter"}}};
+    std::string american = word;
+    for (const auto& [british, replacement] : spellings)
+        american = replacingAll(american, british, replacement);
+    return american;
+}
+
+/// Whether words of a part of speech take the inflections of a key of `DictEntry::exchange`.
+bool canInflect(PartOfSpeech partOfSpeech, char key) {
+    switch (key) {
+    case 's':
+        return partOfSpeech == PartOfSpeech::noun;
+    case 'p':
+    case 'd':
+    case 'i':
+    case '3':
+        return partOfSpeech == PartOfSpeech::verb;
+    case 'r':
+    case 't':
+        return partOfSpeech == PartOfSpeech::adjective || partOfSpeech == PartOfSpeech::adverb;
+    default:
+        return true;
+    }
+}
+
+bool canInflect(PartOfSpeech partOfSpeech, std::string_view keys) {
+    return keys.empty() || std::any_of(keys.begin(), keys.end(), [&](char key) {
+               return canInflect(partOfSpeech, key);
+           });
+}
 
 } // namespace
 
@@ -40,9 +77,13 @@ BaseForms::BaseForms(const std::vector<Headword>& headwords, const WordNet& word
     : wordNet(wordNet), lemmaList(lemmaList) {
     for (const Headword& headword : headwords) {
         const std::string word = lowercased(headword.word);
-        this->headwords.try_emplace(word, Known{headword.rank(),
-                                                lowercased(exchangeForm(headword.exchange, "0")),
-                                                word != headword.word});
+        Known known;
+        known.rank = headword.rank();
+        known.isCapitalised = word != headword.word;
+        known.isPersonalName = isPersonalName(headword.translation);
+        known.statedBase = lowercased(exchangeForm(headword.exchange, "0"));
+        known.inflections = exchangeForm(headword.exchange, "1");
+        this->headwords.try_emplace(word, std::move(known));
     }
 }
 
@@ -52,52 +93,80 @@ const BaseForms::Known* BaseForms::known(const std::string& word) const {
 }
 
 std::optional<std::string> BaseForms::baseForm(const std::string& word) const {
-    if (const auto fixed = auxiliaryForms.find(word); fixed != auxiliaryForms.end())
-        return std::string(fixed->second);
-    if (ownBaseForms.count(word) > 0) return std::nullopt;
-
+    if (const auto closed = closedClassBase(word)) {
+        if (closed->empty()) return std::nullopt;
+        return std::string(*closed);
+    }
     const Known* const headword = known(word);
-    if (headword != nullptr && !headword->ownBase.empty()) {
-        if (headword->ownBase == word) return std::nullopt;
-        if (isPlausible(word, headword->ownBase)) return headword->ownBase;
+    const bool hasStatedBase = headword != nullptr && !headword->statedBase.empty();
+    if (hasStatedBase) {
+        if (headword->statedBase == word) return std::nullopt;
+        if (acceptsStatedBase(word, *headword)) return headword->statedBase;
+        // A base that WordNet knows was refused for what the word is; any other one was misspelt.
+        if (defines(headword->statedBase)) return std::nullopt;
     }
-
     const auto bases = wordNet.bases(word);
-    if (bases.empty() && !wordNet.defines(word)) {
-        auto base = lemmaList.lemma(word);
-        if (base && base->size() < 2) return std::nullopt;
-        return base;
-    }
     auto base = weighed(word, bases);
-    if (base && isGuarded(word, *base)) return std::nullopt;
+    if (!hasStatedBase && bases.empty() && !wordNet.defines(word)) base = lemmaList.lemma(word);
+    if (!base || base->size() < 2 || isGuarded(word, *base)) return std::nullopt;
     return base;
 }
 
-bool BaseForms::isPlausible(const std::string& word, const std::string& base) const {
+bool BaseForms::acceptsStatedBase(const std::string& word, const Known& headword) const {
+    const std::string& base = headword.statedBase;
     if (base.size() < 2 || known(base) == nullptr) return false;
-    const auto bases = wordNet.bases(word);
-    if (!wordNet.defines(word))
-        return wordNet.defines(base) || bases.empty()
-               || std::any_of(bases.begin(), bases.end(), [&](const WordNet::Base& candidate) {
-                      return candidate.word == base;
-                  });
-    if (!wordNet.defines(base)) return false;
     std::int64_t baseCount = -1;
-    for (const WordNet::Base& candidate : bases)
-        if (candidate.word == base)
-            baseCount = std::max(baseCount, wordNet.tagCount(base, candidate.partOfSpeech));
-    if (baseCount < 0) baseCount = wordNet.tagCount(base);
-    return wordNet.tagCount(word) < baseCount;
+    for (const PartOfSpeech part : allPartsOfSpeech)
+        if (canInflect(part, headword.inflections) && defines(base, part))
+            baseCount = std::max(baseCount, tagCount(base, part));
+    if (baseCount < 0)
+        // Beyond WordNet's words only a rare form is believed: a frequent one is more likely a
+        // name.
+        return !defines(base) && !defines(word) && headword.rank == 0;
+    if (base.size() < shortWord && baseCount < wellAttested) return false;
+    if (looksLikeName(word, headword, baseCount)) return false;
+    const bool isPlural = headword.inflections.find('s') != std::string::npos;
+    return !wordNet.defines(word) || (isPlural && wordNet.shareMeaning(word, base))
+           || !isBetterKnown(word, base, headword.inflections);
+}
+
+bool BaseForms::looksLikeName(const std::string& word, const Known& headword,
+                              std::int64_t baseCount) const {
+    if (wordNet.isOnlyName(word) && wordNet.nameTagCount(word) > baseCount) return true;
+    if (baseCount >= wellAttested) return false;
+    return headword.isPersonalName || wordNet.isOnlyName(word);
+}
+
+bool BaseForms::isBetterKnown(const std::string& word, const std::string& base,
+                              const std::string& inflections) const {
+    const auto is = [&](std::string_view keys) {
+        return inflections.find_first_of(keys) != std::string::npos;
+    };
+    const std::int64_t asNoun = tagCount(word, PartOfSpeech::noun);
+    const std::int64_t asVerb = tagCount(word, PartOfSpeech::verb);
+    if (is("rt") && (asNoun > 0 || asVerb > 0)) return true;
+
+    std::int64_t baseCount = 0;
+    for (const PartOfSpeech part : allPartsOfSpeech)
+        if (canInflect(part, inflections)) baseCount = std::max(baseCount, tagCount(base, part));
+    // A verb is counted in all its forms, a noun that looks like one of them only in that form.
+    const bool isVerbForm = !is("s") && is("i3pd");
+    const std::int64_t nounWeight = !isVerbForm || asNoun < wellAttested ? 1 : is("i3") ? 4 : 2;
+    const std::int64_t own = std::max(tagCount(word), nounWeight * asNoun);
+    const bool isUncountedGerund =
+        is("i") && baseCount == 0 && wordNet.defines(word, PartOfSpeech::noun);
+    return own > baseCount || isUncountedGerund;
 }
 
 std::optional<std::string> BaseForms::weighed(const std::string& word,
                                               const std::vector<WordNet::Base>& bases) const {
+    if (wordNet.isOnlyName(word)) return std::nullopt;
     // In halves, so that of equal counts the word itself wins.
-    std::int64_t highest = wordNet.defines(word) ? 4 * wordNet.tagCount(word) + 1 : -1;
+    std::int64_t highest = wordNet.defines(word) ? 4 * tagCount(word) + 1 : -1;
     std::optional<std::string> best;
     for (const WordNet::Base& base : bases) {
-        const std::int64_t score = 2 * wordNet.tagCount(base.word, base.partOfSpeech);
-        if (base.word.size() < 2 || score <= highest) continue;
+        const std::int64_t score = 2 * tagCount(base.word, base.partOfSpeech);
+        if (score <= highest) continue;
         highest = score;
         best = base.word;
     }
@@ -106,10 +175,29 @@ std::optional<std::string> BaseForms::weighed(const std::string& word,
 
 bool BaseForms::isGuarded(const std::string& word, const std::string& base) const {
     const Known* const headword = known(word);
-    if (headword == nullptr || headword->rank == 0 || !headword->ownBase.empty()) return false;
+    if (headword == nullptr || headword->rank == 0 || !headword->statedBase.empty()) return false;
     const Known* const baseWord = known(base);
-    return wordNet.defines(word) || wordNet.tagCount(base) < wellAttested || word.size() <= 3
-           || headword->isCapitalised || (baseWord != nullptr && baseWord->isCapitalised);
+    return wordNet.defines(word) || wordNet.tagCount(base) < wellAttested
+           || word.size() <= shortWord || headword->isCapitalised
+           || (baseWord != nullptr && baseWord->isCapitalised);
+}
+
+bool BaseForms::defines(const std::string& word) const {
+    return wordNet.defines(word) || wordNet.defines(americanSpelling(word));
+}
+
+bool BaseForms::defines(const std::string& word, PartOfSpeech partOfSpeech) const {
+    return wordNet.defines(word, partOfSpeech)
+           || wordNet.defines(americanSpelling(word), partOfSpeech);
+}
+
+std::int64_t BaseForms::tagCount(const std::string& word) const {
+    return std::max(wordNet.tagCount(word), wordNet.tagCount(americanSpelling(word)));
+}
+
+std::int64_t BaseForms::tagCount(const std::string& word, PartOfSpeech partOfSpeech) const {
+    return std::max(wordNet.tagCount(word, partOfSpeech),
+                    wordNet.tagCount(americanSpelling(word), partOfSpeech));
 }
 
 } // namespace tavik

@@ -6,25 +6,29 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace tavik {
 
-/// Decides under which base form an English word is filed. The lemma table, the dictionary's own
-/// base-form keys and the lemma column of the example index are all made by this one decision.
+/// Decides under which base form an English word is filed: the one a teacher would name. The lemma
+/// table, the dictionary's own base-form keys and the lemma column of the example index are all
+/// made by this one decision.
 ///
-/// 1. Closed-class words have fixed answers: the forms of be, have and do, and the words that only
-///    look inflected.
-/// 2. The dictionary's own base form holds, unless it is a single letter or WordNet speaks against
-///    it: it knows the word but not the base, or the word itself is the more frequent of both.
+/// 1. Closed classes have fixed answers: the forms of be, have and do, irregular comparatives, and
+///    the words that only look inflected.
+/// 2. The base form that the dictionary states holds if WordNet has such a word in a part of speech
+///    that inflects that way, and the word is not a name, nor better known in its own right.
 /// 3. Else the bases that WordNet's morphology allows compete with the word itself by tag count,
-///    the word's own count doubled. A ranked headword that the dictionary gives no base form is
-///    taken at its word unless its base is well attested.
+///    the word's own count doubled.
 /// 4. Where WordNet knows neither word nor base, the lemma list decides.
+///
+/// In 3 and 4 a headword with a corpus rank that the dictionary gives no base form is taken at its
+/// word unless the base is well attested.
 class BaseForms {
 public:
-    /// All arguments must outlive the object.
+    /// The last two arguments must outlive the object.
     BaseForms(const std::vector<Headword>& headwords, const WordNet& wordNet,
               const LemmaList& lemmaList);
 
@@ -34,15 +38,29 @@ public:
 private:
     struct Known {
         std::int64_t rank = 0;
-        std::string ownBase;
         bool isCapitalised = false;
+        /// Whether its translation says that it is a person's name.
+        bool isPersonalName = false;
+        std::string statedBase;
+        /// The keys of the inflections that it is said to be, as in `DictEntry::exchange`.
+        std::string inflections;
     };
 
     const Known* known(const std::string& word) const;
-    bool isPlausible(const std::string& word, const std::string& base) const;
+    bool acceptsStatedBase(const std::string& word, const Known& headword) const;
+    bool isBetterKnown(const std::string& word, const std::string& base,
+                       const std::string& inflections) const;
+    bool looksLikeName(const std::string& word, const Known& headword,
+                       std::int64_t baseCount) const;
     std::optional<std::string> weighed(const std::string& word,
                                        const std::vector<WordNet::Base>& bases) const;
     bool isGuarded(const std::string& word, const std::string& base) const;
+
+    /// What WordNet says of a word under its British or its American spelling.
+    bool defines(const std::string& word) const;
+    bool defines(const std::string& word, WordNet::PartOfSpeech partOfSpeech) const;
+    std::int64_t tagCount(const std::string& word) const;
+    std::int64_t tagCount(const std::string& word, WordNet::PartOfSpeech partOfSpeech) const;
 
     std::unordered_map<std::string, Known> headwords;
     const WordNet& wordNet;

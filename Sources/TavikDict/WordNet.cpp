@@ -73,6 +73,41 @@ std::optional<PartOfSpeech> partOfSpeech(char digit) {
     }
 }
 
+/// The words of a line of a data file: their number stands in hexadecimal in the fourth column,
+/// then each word with a number behind it. Adjectives may have a marker of syntax, as in
+/// "elect(ip)".
+std::vector<std::string_view> wordsOfMeaning(std::string_view line) {
+    constexpr std::size_t countColumn = 3;
+    constexpr int hexadecimal = 16;
+    const auto columns = fields(line.substr(0, line.find('|')));
+    std::size_t count = 0;
+    if (columns.size() > countColumn)
+        std::from_chars(columns[countColumn].data(),
+                        columns[countColumn].data() + columns[countColumn].size(), count,
+                        hexadecimal);
+    std::vector<std::string_view> words;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t column = countColumn + 1 + 2 * i;
+        if (column >= columns.size()) break;
+        words.push_back(columns[column].substr(0, columns[column].find('(')));
+    }
+    return words;
+}
+
+bool isVowel(char letter) {
+    return std::string_view("aeiou").find(letter) != std::string_view::npos;
+}
+
+/// Whether a verb doubles its last consonant before -ed and -ing, as short verbs of one vowel do:
+/// «strip», «tap», but not «visit», «row» or «heat».
+bool doublesItsConsonant(std::string_view verb) {
+    if (verb.size() < 2) return false;
+    const char last = verb.back();
+    const bool endsInConsonant = !isVowel(last) && last != 'w' && last != 'x' && last != 'y';
+    return endsInConsonant && isVowel(verb[verb.size() - 2])
+           && std::count_if(verb.begin(), verb.end(), isVowel) == 1;
+}
+
 bool endsWith(std::string_view text, std::string_view ending) {
     return text.size() > ending.size() && text.substr(text.size() - ending.size()) == ending;
 }
@@ -81,39 +116,79 @@ bool endsWith(std::string_view text, std::string_view ending) {
 
 WordNet::WordNet(const std::filesystem::path& directory) {
     for (const PartOfSpeech part : allPartsOfSpeech) {
-        Lexicon& lexicon = lexicons[static_cast<std::size_t>(part)];
         const std::string ending(fileEndings[static_cast<std::size_t>(part)]);
-        LineReader index(directory / ("index." + ending));
-        while (index.next()) {
-            if (isLicenceLine(index.line())) continue;
-            std::string word = index.line().substr(0, index.line().find(' '));
-            if (!isPhrase(word)) lexicon.tagCounts.emplace(std::move(word), 0);
-        }
-        if (lexicon.tagCounts.empty()) throwForeign(directory / ("index." + ending));
-        LineReader exceptions(directory / (ending + ".exc"));
-        while (exceptions.next()) {
-            const auto words = fields(exceptions.line());
-            if (words.size() < 2 || isPhrase(words.front())) continue;
-            lexicon.exceptions[std::string(words.front())].assign(words.begin() + 1, words.end());
+        readWords(directory / ("data." + ending), part);
+        readExceptions(directory / (ending + ".exc"), part);
+    }
+    readTagCounts(directory / "cntlist.rev");
+}
+
+void WordNet::readWords(const std::filesystem::path& file, PartOfSpeech partOfSpeech) {
+    auto& tagCounts = lexicons[static_cast<std::size_t>(partOfSpeech)].tagCounts;
+    LineReader reader(file);
+    for (std::int64_t meaning = 0; reader.next(); ++meaning) {
+        if (isLicenceLine(reader.line())) continue;
+        for (const std::string_view spelled : wordsOfMeaning(reader.line())) {
+            if (isPhrase(spelled)) continue;
+            std::string word = lowercased(spelled);
+            if (word != spelled) {
+                nameTagCounts.emplace(std::move(word), 0);
+                continue;
+            }
+            if (partOfSpeech == PartOfSpeech::noun) nounMeanings[word].push_back(meaning);
+            tagCounts.emplace(std::move(word), 0);
         }
     }
+    if (tagCounts.empty()) throwForeign(file);
+}
 
-    const std::filesystem::path counts = directory / "cntlist.rev";
-    LineReader reader(counts);
+void WordNet::readExceptions(const std::filesystem::path& file, PartOfSpeech partOfSpeech) {
+    auto& exceptions = lexicons[static_cast<std::size_t>(partOfSpeech)].exceptions;
+    LineReader reader(file);
+    while (reader.next()) {
+        const auto words = fields(reader.line());
+        if (words.size() < 2 || isPhrase(words.front())) continue;
+        exceptions[std::string(words.front())].assign(words.begin() + 1, words.end());
+    }
+}
+
+void WordNet::readTagCounts(const std::filesystem::path& file) {
+    LineReader reader(file);
     while (reader.next()) {
         const auto columns = fields(reader.line());
-        if (columns.size() != 3) throwForeign(counts);
+        if (columns.size() != 3) throwForeign(file);
         const std::string_view key = columns.front();
         const std::size_t mark = key.find('%');
-        if (mark == std::string_view::npos || mark + 1 >= key.size()) throwForeign(counts);
+        if (mark == std::string_view::npos || mark + 1 >= key.size()) throwForeign(file);
         const auto part = partOfSpeech(key[mark + 1]);
         std::int64_t count = 0;
         std::from_chars(columns[2].data(), columns[2].data() + columns[2].size(), count);
-        if (!part) throwForeign(counts);
+        if (!part) throwForeign(file);
+        const std::string word(key.substr(0, mark));
         auto& tagCounts = lexicons[static_cast<std::size_t>(*part)].tagCounts;
-        const auto word = tagCounts.find(std::string(key.substr(0, mark)));
-        if (word != tagCounts.end()) word->second += count;
+        // The file has every key in lower case: a word that is a name as well counts as the word.
+        auto& counts = tagCounts.count(word) > 0 ? tagCounts : nameTagCounts;
+        if (const auto counted = counts.find(word); counted != counts.end())
+            counted->second += count;
     }
+}
+
+bool WordNet::isOnlyName(std::string_view word) const {
+    return nameTagCounts.count(std::string(word)) > 0 && !defines(word);
+}
+
+std::int64_t WordNet::nameTagCount(std::string_view word) const {
+    const auto found = nameTagCounts.find(std::string(word));
+    return found == nameTagCounts.end() ? 0 : found->second;
+}
+
+bool WordNet::shareMeaning(std::string_view noun, std::string_view other) const {
+    const auto meanings = nounMeanings.find(std::string(noun));
+    const auto others = nounMeanings.find(std::string(other));
+    if (meanings == nounMeanings.end() || others == nounMeanings.end()) return false;
+    return std::find_first_of(meanings->second.begin(), meanings->second.end(),
+                              others->second.begin(), others->second.end())
+           != meanings->second.end();
 }
 
 bool WordNet::defines(std::string_view word, PartOfSpeech partOfSpeech) const {
@@ -151,11 +226,14 @@ std::vector<WordNet::Base> WordNet::bases(std::string_view form) const {
                 add(base, part);
             continue;
         }
-        for (const Ending& ending : endings)
-            if (ending.partOfSpeech == part && endsWith(form, ending.inflected))
-                add(std::string(form.substr(0, form.size() - ending.inflected.size()))
-                        .append(ending.base),
-                    part);
+        for (const Ending& ending : endings) {
+            if (ending.partOfSpeech != part || !endsWith(form, ending.inflected)) continue;
+            const std::string_view stem = form.substr(0, form.size() - ending.inflected.size());
+            const bool wouldDouble = ending.base.empty() && part == PartOfSpeech::verb
+                                     && (ending.inflected == "ed" || ending.inflected == "ing")
+                                     && doublesItsConsonant(stem);
+            if (!wouldDouble) add(std::string(stem).append(ending.base), part);
+        }
     }
     return found;
 }
@@ -166,13 +244,6 @@ std::vector<std::string> WordNet::irregularForms() const {
         for (const auto& [form, bases] : lexicon.exceptions)
             forms.push_back(form);
     return forms;
-}
-
-std::vector<std::string> WordNet::words(PartOfSpeech partOfSpeech) const {
-    std::vector<std::string> result;
-    for (const auto& [word, count] : lexicon(partOfSpeech).tagCounts)
-        result.push_back(word);
-    return result;
 }
 
 std::vector<std::string> quotedExamples(std::string_view gloss) {

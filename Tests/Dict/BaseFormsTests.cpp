@@ -22,9 +22,25 @@ protected:
 TEST_F(BaseFormsTest, eachKindOfEvidenceDecidesInItsTurn) {
     const BaseForms rules(headwords, wordNet, lemmaList);
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"was", "be"},      {"does", "do"},  {"this", ""},           {"ran", "run"},
-        {"running", "run"}, {"number", ""},  {"mice", "mouse"},      {"gave", "give"},
-        {"wales", ""},      {"stamina", ""}, {"coloured", "colour"}, {"zyzzy", ""}};
+        {"was", "be"},
+        {"does", "do"},
+        {"this", ""},
+        {"ran", "run"},
+        {"running", "run"},
+        {"number", ""},
+        {"evening", ""},
+        {"stranger", ""},
+        {"bacteria", "bacterium"},
+        {"recognised", "recognise"},
+        {"mice", "mouse"},
+        {"gave", "give"},
+        {"striped", ""},
+        {"wales", ""},
+        {"barnes", ""},
+        {"stamina", ""},
+        {"coloured", "colour"},
+        {"zyzzy", ""},
+    };
     for (const auto& [word, base] : cases)
         EXPECT_EQ(rules.baseForm(word).value_or(""), base) << word;
 }

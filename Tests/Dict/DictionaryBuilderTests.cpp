@@ -72,7 +72,7 @@ TEST_F(DictionaryBuilderTest, theBuiltFileAnswersAsADictionary) {
                 UnorderedElementsAre(ExampleSentence{"Run fast", "快跑。"},
                                      ExampleSentence{"he RAN fast", ""}));
 
-    EXPECT_EQ(summary.headwords, 18);
+    EXPECT_EQ(summary.headwords, 28);
     EXPECT_EQ(summary.examples, 15);
     EXPECT_EQ(summary.translatedExamples, 11);
     EXPECT_EQ(summary.fileSize, fs::file_size(output));
