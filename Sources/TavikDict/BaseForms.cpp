@@ -98,16 +98,16 @@ std::optional<std::string> BaseForms::baseForm(const std::string& word) const {
         return std::string(*closed);
     }
     const Known* const headword = known(word);
-    const bool hasStatedBase = headword != nullptr && !headword->statedBase.empty();
-    if (hasStatedBase) {
-        if (headword->statedBase == word) return std::nullopt;
-        if (acceptsStatedBase(word, *headword)) return headword->statedBase;
-        // A base that WordNet knows was refused for what the word is; any other one was misspelt.
-        if (defines(headword->statedBase)) return std::nullopt;
-    }
+    const std::string stated = headword == nullptr ? std::string() : headword->statedBase;
     const auto bases = wordNet.bases(word);
-    auto base = weighed(word, bases);
-    if (!hasStatedBase && bases.empty() && !wordNet.defines(word)) base = lemmaList.lemma(word);
+    if (stated == word && !wordNet.isIrregular(word)) return std::nullopt;
+    if (!stated.empty() && stated != word) {
+        if (acceptsStatedBase(word, *headword)) return stated;
+        // A base that WordNet knows was refused for what the word is; any other one was misspelt.
+        if (defines(stated)) return std::nullopt;
+    }
+    auto base = weighed(word, bases, stated.empty() || stated == word ? 2 : 1);
+    if (stated.empty() && bases.empty() && !wordNet.defines(word)) base = lemmaList.lemma(word);
     if (!base || base->size() < 2 || isGuarded(word, *base)) return std::nullopt;
     return base;
 }
@@ -115,6 +115,7 @@ std::optional<std::string> BaseForms::baseForm(const std::string& word) const {
 bool BaseForms::acceptsStatedBase(const std::string& word, const Known& headword) const {
     const std::string& base = headword.statedBase;
     if (base.size() < 2 || known(base) == nullptr) return false;
+    if (wordNet.isIrregularPlural(word, base)) return true;
     std::int64_t baseCount = -1;
     for (const PartOfSpeech part : allPartsOfSpeech)
         if (canInflect(part, headword.inflections) && defines(base, part))
@@ -122,7 +123,8 @@ bool BaseForms::acceptsStatedBase(const std::string& word, const Known& headword
     if (baseCount < 0)
         // Beyond WordNet's words only a rare form is believed: a frequent one is more likely a
         // name.
-        return !defines(base) && !defines(word) && headword.rank == 0;
+        return !defines(base) && !defines(word) && wordNet.bases(word).empty()
+               && headword.rank == 0;
     if (base.size() < shortWord && baseCount < wellAttested) return false;
     if (looksLikeName(word, headword, baseCount)) return false;
     const bool isPlural = headword.inflections.find('s') != std::string::npos;
@@ -159,10 +161,11 @@ bool BaseForms::isBetterKnown(const std::string& word, const std::string& base,
 }
 
 std::optional<std::string> BaseForms::weighed(const std::string& word,
-                                              const std::vector<WordNet::Base>& bases) const {
+                                              const std::vector<WordNet::Base>& bases,
+                                              std::int64_t ownWeight) const {
     if (wordNet.isOnlyName(word)) return std::nullopt;
-    // In halves, so that of equal counts the word itself wins.
-    std::int64_t highest = wordNet.defines(word) ? 4 * tagCount(word) + 1 : -1;
+    // Doubled, so that of equal counts the word itself wins.
+    std::int64_t highest = wordNet.defines(word) ? 2 * ownWeight * tagCount(word) + 1 : -1;
     std::optional<std::string> best;
     for (const WordNet::Base& base : bases) {
         const std::int64_t score = 2 * tagCount(base.word, base.partOfSpeech);

@@ -21,7 +21,7 @@ namespace tavik {
 /// 2. The base form that the dictionary states holds if WordNet has such a word in a part of speech
 ///    that inflects that way, and the word is not a name, nor better known in its own right.
 /// 3. Else the bases that WordNet's morphology allows compete with the word itself by tag count,
-///    the word's own count doubled.
+///    the word's own count doubled unless the dictionary states that it is an inflection.
 /// 4. Where WordNet knows neither word nor base, the lemma list decides.
 ///
 /// In 3 and 4 a headword with a corpus rank that the dictionary gives no base form is taken at its
@@ -53,7 +53,8 @@ private:
     bool looksLikeName(const std::string& word, const Known& headword,
                        std::int64_t baseCount) const;
     std::optional<std::string> weighed(const std::string& word,
-                                       const std::vector<WordNet::Base>& bases) const;
+                                       const std::vector<WordNet::Base>& bases,
+                                       std::int64_t ownWeight) const;
     bool isGuarded(const std::string& word, const std::string& base) const;
 
     /// What WordNet says of a word under its British or its American spelling.

@@ -182,6 +182,19 @@ std::int64_t WordNet::nameTagCount(std::string_view word) const {
     return found == nameTagCounts.end() ? 0 : found->second;
 }
 
+bool WordNet::isIrregular(std::string_view form) const {
+    return std::any_of(lexicons.begin(), lexicons.end(), [&](const Lexicon& lexicon) {
+        return lexicon.exceptions.count(std::string(form)) > 0;
+    });
+}
+
+bool WordNet::isIrregularPlural(std::string_view form, std::string_view base) const {
+    const auto& exceptions = lexicon(PartOfSpeech::noun).exceptions;
+    const auto found = exceptions.find(std::string(form));
+    return found != exceptions.end()
+           && std::find(found->second.begin(), found->second.end(), base) != found->second.end();
+}
+
 bool WordNet::shareMeaning(std::string_view noun, std::string_view other) const {
     const auto meanings = nounMeanings.find(std::string(noun));
     const auto others = nounMeanings.find(std::string(other));

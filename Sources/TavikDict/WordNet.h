@@ -36,6 +36,11 @@ public:
     /// How often the tagged texts use the word as a name.
     std::int64_t nameTagCount(std::string_view word) const;
 
+    /// Whether an exception list has `form` under any base.
+    bool isIrregular(std::string_view form) const;
+    /// Whether the exception list of nouns has `form` under `base`.
+    bool isIrregularPlural(std::string_view form, std::string_view base) const;
+
     /// Whether both words, as nouns, stand for one meaning, like «bacteria» and «bacterium».
     bool shareMeaning(std::string_view noun, std::string_view other) const;
 
