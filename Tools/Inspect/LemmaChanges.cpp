@@ -21,7 +21,9 @@ using namespace tavik;
 
 class QuietObserver final : public BuildObserver {
     void stageBegan(std::string_view, std::int64_t) override {}
+
     void stageAdvanced(std::int64_t) override {}
+
     void lineSkipped(const std::filesystem::path&, std::int64_t, std::string_view) override {}
 };
 
@@ -31,9 +33,8 @@ std::vector<Headword> mostFrequent(const std::filesystem::path& ecdict, std::siz
     headwords.erase(std::remove_if(headwords.begin(), headwords.end(),
                                    [](const Headword& headword) { return headword.rank() == 0; }),
                     headwords.end());
-    std::stable_sort(headwords.begin(), headwords.end(), [](const auto& a, const auto& b) {
-        return a.rank() < b.rank();
-    });
+    std::stable_sort(headwords.begin(), headwords.end(),
+                     [](const auto& a, const auto& b) { return a.rank() < b.rank(); });
     headwords.resize(std::min(headwords.size(), count));
     return headwords;
 }

@@ -5,6 +5,7 @@
 #include <unicode/locid.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
@@ -91,6 +92,15 @@ char32_t nextScalar(std::string_view text, std::size_t& offset) {
     UChar32 scalar = 0;
     U8_NEXT_OR_FFFD(bytes, offset, text.size(), scalar);
     return static_cast<char32_t>(scalar);
+}
+
+char32_t nextScalar(std::u16string_view text, std::size_t& offset) {
+    constexpr char32_t replacement = 0xFFFD;
+    const char16_t unit = text[offset++];
+    if (!U16_IS_SURROGATE(unit)) return unit;
+    const bool isPair = U16_IS_LEAD(unit) && offset < text.size() && U16_IS_TRAIL(text[offset]);
+    if (!isPair) return replacement;
+    return static_cast<char32_t>(U16_GET_SUPPLEMENTARY(unit, text[offset++]));
 }
 
 std::string_view trimmed(std::string_view text, ScalarClass isTrimmed) {
