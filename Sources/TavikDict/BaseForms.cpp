@@ -70,6 +70,14 @@ bool canInflect(PartOfSpeech partOfSpeech, std::string_view keys) {
            });
 }
 
+/// By how much the count of a noun that looks like a form of a verb is raised against the verb's,
+/// which is counted in all its forms: «the building» against «to build».
+std::int64_t weightAgainstVerb(std::string_view inflections) {
+    if (contains(inflections, "s")) return 1;
+    if (contains(inflections, "i") || contains(inflections, "3")) return 4;
+    return 2;
+}
+
 } // namespace
 
 BaseForms::BaseForms(const std::vector<Headword>& headwords, const WordNet& wordNet,
@@ -116,20 +124,27 @@ bool BaseForms::acceptsStatedBase(const std::string& word, const Known& headword
     const std::string& base = headword.statedBase;
     if (base.size() < 2 || known(base) == nullptr) return false;
     if (wordNet.isIrregularPlural(word, base)) return true;
-    std::int64_t baseCount = -1;
-    for (const PartOfSpeech part : allPartsOfSpeech)
-        if (canInflect(part, headword.inflections) && defines(base, part))
-            baseCount = std::max(baseCount, tagCount(base, part));
-    if (baseCount < 0)
-        // Beyond WordNet's words only a rare form is believed: a frequent one is more likely a
-        // name.
-        return !defines(base) && !defines(word) && wordNet.bases(word).empty()
-               && headword.rank == 0;
-    if (base.size() < shortWord && baseCount < wellAttested) return false;
-    if (looksLikeName(word, headword, baseCount)) return false;
-    const bool isPlural = headword.inflections.find('s') != std::string::npos;
+    const auto baseCount = inflectingCount(base, headword.inflections);
+    if (!baseCount) return isBeyondWordNet(word, headword);
+    if (base.size() < shortWord && *baseCount < wellAttested) return false;
+    if (looksLikeName(word, headword, *baseCount)) return false;
+    const bool isPlural = contains(headword.inflections, "s");
     return !wordNet.defines(word) || (isPlural && wordNet.shareMeaning(word, base))
-           || !isBetterKnown(word, base, headword.inflections);
+           || !isBetterKnown(word, headword.inflections, *baseCount);
+}
+
+std::optional<std::int64_t> BaseForms::inflectingCount(const std::string& base,
+                                                       const std::string& inflections) const {
+    std::optional<std::int64_t> count;
+    for (const PartOfSpeech part : allPartsOfSpeech)
+        if (canInflect(part, inflections) && defines(base, part))
+            count = std::max(count.value_or(0), tagCount(base, part));
+    return count;
+}
+
+bool BaseForms::isBeyondWordNet(const std::string& word, const Known& headword) const {
+    return !defines(headword.statedBase) && !defines(word) && wordNet.bases(word).empty()
+           && headword.rank == 0;
 }
 
 bool BaseForms::looksLikeName(const std::string& word, const Known& headword,
@@ -139,25 +154,18 @@ bool BaseForms::looksLikeName(const std::string& word, const Known& headword,
     return headword.isPersonalName || wordNet.isOnlyName(word);
 }
 
-bool BaseForms::isBetterKnown(const std::string& word, const std::string& base,
-                              const std::string& inflections) const {
+bool BaseForms::isBetterKnown(const std::string& word, const std::string& inflections,
+                              std::int64_t baseCount) const {
     const auto is = [&](std::string_view keys) {
         return inflections.find_first_of(keys) != std::string::npos;
     };
     const std::int64_t asNoun = tagCount(word, PartOfSpeech::noun);
     const std::int64_t asVerb = tagCount(word, PartOfSpeech::verb);
     if (is("rt") && (asNoun > 0 || asVerb > 0)) return true;
-
-    std::int64_t baseCount = 0;
-    for (const PartOfSpeech part : allPartsOfSpeech)
-        if (canInflect(part, inflections)) baseCount = std::max(baseCount, tagCount(base, part));
-    // A verb is counted in all its forms, a noun that looks like one of them only in that form.
-    const bool isVerbForm = !is("s") && is("i3pd");
-    const std::int64_t nounWeight = !isVerbForm || asNoun < wellAttested ? 1 : is("i3") ? 4 : 2;
-    const std::int64_t own = std::max(tagCount(word), nounWeight * asNoun);
     const bool isUncountedGerund =
         is("i") && baseCount == 0 && wordNet.defines(word, PartOfSpeech::noun);
-    return own > baseCount || isUncountedGerund;
+    return isUncountedGerund || tagCount(word) > baseCount
+           || weightAgainstVerb(inflections) * asNoun > baseCount;
 }
 
 std::optional<std::string> BaseForms::weighed(const std::string& word,

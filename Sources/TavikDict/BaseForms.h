@@ -48,9 +48,16 @@ private:
 
     const Known* known(const std::string& word) const;
     bool acceptsStatedBase(const std::string& word, const Known& headword) const;
-    bool isBetterKnown(const std::string& word, const std::string& base,
-                       const std::string& inflections) const;
+    /// The tag count of `base` as words count that take these inflections; nothing when WordNet has
+    /// no such word.
+    std::optional<std::int64_t> inflectingCount(const std::string& base,
+                                                const std::string& inflections) const;
+    /// Whether neither the word nor its stated base is known to WordNet, and the word is too rare
+    /// to be a name that was taken for an inflection.
+    bool isBeyondWordNet(const std::string& word, const Known& headword) const;
     bool looksLikeName(const std::string& word, const Known& headword,
+                       std::int64_t baseCount) const;
+    bool isBetterKnown(const std::string& word, const std::string& inflections,
                        std::int64_t baseCount) const;
     std::optional<std::string> weighed(const std::string& word,
                                        const std::vector<WordNet::Base>& bases,

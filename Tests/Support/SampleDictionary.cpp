@@ -7,7 +7,7 @@ namespace tavik::test {
 
 void makeSampleDictionary(const std::string& path) {
     SQLiteDB db(path, false);
-    db.execute("PRAGMA journal_mode=DELETE");
+    db.execute("PRAGMA journal_mode=DELETE; PRAGMA synchronous=OFF");
     db.execute(DictionarySchema::tables);
     db.execute(DictionarySchema::indexes);
     db.execute(R"(
