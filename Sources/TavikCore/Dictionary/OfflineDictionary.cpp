@@ -84,7 +84,8 @@ OfflineDictionary::OfflineDictionary(const std::string& path) : db(path, true), 
 void OfflineDictionary::verify() const {
     db.query(DictionarySQL::entry, {std::string("word"), std::string("word")});
     db.query(DictionarySQL::lemma, {std::string("words")});
-    db.query(DictionarySQL::examples, {std::string("\"word\""), std::int64_t{1}});
+    // No sentence holds this term, so that nothing has to be sorted.
+    db.query(DictionarySQL::examples, {std::string("\"zzyzzy\""), std::int64_t{1}});
 }
 
 std::optional<DictEntry> OfflineDictionary::entry(std::string_view word) const {

@@ -7,6 +7,8 @@
 namespace tavik {
 
 std::vector<std::string> wrappedLines(std::string_view text, std::size_t columns) {
+    if (text.empty()) return {};
+    if (displayWidth(text) <= columns) return {std::string(trimmed(text, isWhiteSpace))};
     const std::u16string units = utf16FromUTF8(text);
     const auto breaks = lineBreaks(units);
     std::vector<std::string> lines;

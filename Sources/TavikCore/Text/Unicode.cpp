@@ -13,6 +13,8 @@
 namespace tavik {
 namespace {
 
+constexpr char32_t replacementCharacter = 0xFFFD;
+
 icu::UnicodeString unicodeString(std::string_view text) {
     return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
 }
@@ -94,25 +96,35 @@ char32_t nextScalar(std::string_view text, std::size_t& offset) {
     return static_cast<char32_t>(scalar);
 }
 
+char32_t previousScalar(std::string_view text, std::size_t& offset) {
+    constexpr std::size_t longestScalar = 4;
+    std::size_t start = offset - 1;
+    while (start > 0 && offset - start < longestScalar
+           && U8_IS_TRAIL(static_cast<std::uint8_t>(text[start])))
+        --start;
+    std::size_t end = start;
+    const char32_t scalar = nextScalar(text, end);
+    const bool isWellFormed = end == offset;
+    offset = isWellFormed ? start : offset - 1;
+    return isWellFormed ? scalar : replacementCharacter;
+}
+
 char32_t nextScalar(std::u16string_view text, std::size_t& offset) {
-    constexpr char32_t replacement = 0xFFFD;
     const char16_t unit = text[offset++];
     if (!U16_IS_SURROGATE(unit)) return unit;
     const bool isPair = U16_IS_LEAD(unit) && offset < text.size() && U16_IS_TRAIL(text[offset]);
-    if (!isPair) return replacement;
+    if (!isPair) return replacementCharacter;
     return static_cast<char32_t>(U16_GET_SUPPLEMENTARY(unit, text[offset++]));
 }
 
 std::string_view trimmed(std::string_view text, ScalarClass isTrimmed) {
-    std::size_t start = text.size();
-    std::size_t end = 0;
-    for (std::size_t offset = 0; offset < text.size();) {
-        const std::size_t at = offset;
-        if (isTrimmed(nextScalar(text, offset))) continue;
-        start = std::min(start, at);
-        end = offset;
-    }
-    return start < end ? text.substr(start, end - start) : std::string_view();
+    std::size_t start = 0;
+    for (std::size_t next = 0; next < text.size(); start = next)
+        if (!isTrimmed(nextScalar(text, next))) break;
+    std::size_t end = text.size();
+    for (std::size_t before = end; before > start; end = before)
+        if (!isTrimmed(previousScalar(text, before))) break;
+    return text.substr(start, end - start);
 }
 
 std::vector<std::string_view> split(std::string_view text, ScalarClass isSeparator) {

@@ -45,6 +45,8 @@ std::string filteredScalars(std::string_view text, Predicate predicate);
 /// Reads the scalar at the unit `offset` and moves `offset` behind it.
 char32_t nextScalar(std::string_view text, std::size_t& offset);
 char32_t nextScalar(std::u16string_view text, std::size_t& offset);
+/// Reads the scalar before the byte `offset` and moves `offset` before it.
+char32_t previousScalar(std::string_view text, std::size_t& offset);
 
 std::string joined(const std::vector<std::string_view>& pieces, std::string_view separator);
 

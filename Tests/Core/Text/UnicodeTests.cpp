@@ -21,6 +21,9 @@ TEST(Unicode, illFormedTextIsReadAndNeverFails) {
 TEST(Unicode, trimmingAndSplittingGoByScalar) {
     EXPECT_EQ(trimmed("\u3000\u0085 a b\u2028\n", isWhiteSpace), "a b");
     EXPECT_EQ(trimmed("\u3000\ta\n", isBlank), "a\n");
+    EXPECT_EQ(trimmed("\u3000词\u3000", isWhiteSpace), "词");
+    EXPECT_EQ(trimmed(" a\x85 ", isWhiteSpace), "a\x85");
+    EXPECT_EQ(trimmed(" \u3000 ", isWhiteSpace), "");
     EXPECT_THAT(split("\na\u2029\r\nb\v", isNewline), ElementsAre("a", "b"));
 }
 
