@@ -1,0 +1,113 @@
+#include "InProcess.h"
+
+#include "Dictionary/OfflineDictionary.h"
+#include "Samples.h"
+#include "Text/TextUtil.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <numeric>
+
+namespace tavik {
+namespace {
+
+constexpr std::size_t passes = 5;
+constexpr int exampleLimit = 3;
+constexpr std::size_t slowestShown = 5;
+
+constexpr double entryBudget = 25;
+constexpr double lemmaBudget = 100;
+constexpr double examplesBudget = 3000;
+
+struct Measurement {
+    /// Microseconds, one value for each word.
+    Samples samples;
+    /// The words for which the operation was true.
+    std::size_t hits = 0;
+};
+
+/// Passes over all words follow one another, so that what disturbs the machine for a moment does
+/// not hit all passes of a word.
+template<typename Operation>
+Measurement measured(const std::vector<std::string>& words, Operation operation) {
+    Measurement result;
+    for (const std::string& word : words)
+        if (operation(word)) ++result.hits;
+    std::vector<Samples> perWord(words.size());
+    for (std::size_t pass = 0; pass < passes; ++pass)
+        for (std::size_t i = 0; i < words.size(); ++i) {
+            const Stopwatch stopwatch;
+            operation(words[i]);
+            perWord[i].add(stopwatch.microseconds());
+        }
+    for (const Samples& word : perWord)
+        result.samples.add(word.median());
+    return result;
+}
+
+void printRow(const char* title, const Measurement& measurement) {
+    const Samples& samples = measurement.samples;
+    std::printf("%-22s%7zu of %-6zu %9.1f %9.1f %9.1f", title, measurement.hits, samples.size(),
+                samples.median(), samples.p99(), samples.max());
+}
+
+void printSlowest(const std::vector<std::string>& words, const Samples& samples) {
+    std::vector<std::size_t> order(words.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t one, std::size_t other) { return samples[one] > samples[other]; });
+    std::printf("  slowest:");
+    for (std::size_t i = 0; i < std::min(slowestShown, order.size()); ++i)
+        std::printf(" %s %.0f", words[order[i]].c_str(), samples[order[i]]);
+    std::printf("\n");
+}
+
+} // namespace
+
+void reportInProcess(const std::string& dictionary, const WordLists& words) {
+    const OfflineDictionary opened(dictionary);
+    const auto hasEntry = [&](const std::string& word) { return opened.entry(word).has_value(); };
+    const auto isReduced = [&](const std::string& word) {
+        return opened.lemma(word) != TextUtil::normalizeWord(word);
+    };
+    const auto hasExamples = [&](const std::string& word) {
+        return !opened.examples(word, exampleLimit).empty();
+    };
+
+    printHeading("In process, µs; calls that were true", "   median       p99       max");
+    const Measurement entries = measured(words.frequent, hasEntry);
+    printRow("entry", entries);
+    printBudget("median", entries.samples.median(), entryBudget);
+    std::printf("\n");
+
+    const Measurement lemmas = measured(words.frequent, isReduced);
+    printRow("lemma", lemmas);
+    printBudget("median", lemmas.samples.median(), lemmaBudget);
+    std::printf("\n");
+
+    const Measurement forms = measured(words.inflected, isReduced);
+    printRow("lemma, inflected", forms);
+    printBudget("median", forms.samples.median(), lemmaBudget);
+    std::printf("\n");
+
+    const Measurement examples = measured(words.frequent, hasExamples);
+    printRow("examples", examples);
+    printBudget("p99", examples.samples.p99(), examplesBudget);
+    std::printf("\n");
+    printSlowest(words.frequent, examples.samples);
+
+    printRow("entry, absent", measured(words.absent, hasEntry));
+    std::printf("\n");
+    printRow("lemma, absent", measured(words.absent, isReduced));
+    std::printf("\n");
+    printRow("examples, absent", measured(words.absent, hasExamples));
+    std::printf("\n");
+}
+
+double meanEntryMicroseconds(const std::string& dictionary, const std::vector<std::string>& words) {
+    const OfflineDictionary opened(dictionary);
+    return measured(words, [&](const std::string& word) { return opened.entry(word).has_value(); })
+        .samples.mean();
+}
+
+} // namespace tavik
