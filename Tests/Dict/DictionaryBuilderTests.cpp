@@ -5,6 +5,7 @@
 #include "TavikDict/AsideFile.h"
 #include "TavikDict/BuildError.h"
 #include "TavikDict/DictionaryBuilder.h"
+#include "TavikDict/SilentObserver.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -39,8 +40,8 @@ protected:
     std::string failureInChild(const test::Restrictions& restrictions,
                                const BuildPlan& wanted) const {
         return test::inChild(restrictions, [&]() -> std::string {
-            test::RecordingObserver quiet;
-            buildDictionary(wanted, quiet);
+            SilentObserver silent;
+            buildDictionary(wanted, silent);
             return "succeeded";
         });
     }

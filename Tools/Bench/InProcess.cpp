@@ -3,6 +3,7 @@
 #include "Dictionary/OfflineDictionary.h"
 #include "Samples.h"
 #include "Text/TextUtil.h"
+#include "Text/Unicode.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -18,6 +19,11 @@ constexpr std::size_t slowestShown = 5;
 constexpr double entryBudget = 25;
 constexpr double lemmaBudget = 100;
 constexpr double examplesBudget = 3000;
+constexpr double sentenceBudget = 100;
+
+constexpr std::size_t textUnits = 10000;
+constexpr std::size_t textRounds = 500;
+constexpr std::size_t maxSentenceLength = 400;
 
 struct Measurement {
     /// Microseconds, one value for each word.
@@ -62,6 +68,30 @@ void printSlowest(const std::vector<std::string>& words, const Samples& samples)
     std::printf("\n");
 }
 
+/// Running English text of example sentences.
+std::u16string runningText(const OfflineDictionary& dictionary,
+                           const std::vector<std::string>& words) {
+    std::u16string text;
+    for (const std::string& word : words) {
+        for (const ExampleSentence& example : dictionary.examples(word, exampleLimit))
+            text += utf16FromUTF8(example.en) + u". ";
+        if (text.size() > textUnits) break;
+    }
+    text.resize(textUnits);
+    return text;
+}
+
+void reportSentences(const std::u16string& text) {
+    const UTF16Range middle{static_cast<std::int64_t>(text.size() / 2), 1};
+    const auto hasSentence = [&](const std::string&) {
+        return TextUtil::sentence(text, middle, maxSentenceLength).has_value();
+    };
+    const Measurement sentences = measured(std::vector<std::string>(textRounds), hasSentence);
+    printRow("sentence, 10,000 units", sentences);
+    printBudget("median", sentences.samples.median(), sentenceBudget);
+    std::printf("\n");
+}
+
 } // namespace
 
 void reportInProcess(const std::string& dictionary, const WordLists& words) {
@@ -95,6 +125,8 @@ void reportInProcess(const std::string& dictionary, const WordLists& words) {
     printBudget("p99", examples.samples.p99(), examplesBudget);
     std::printf("\n");
     printSlowest(words.frequent, examples.samples);
+
+    reportSentences(runningText(opened, words.frequent));
 
     printRow("entry, absent", measured(words.absent, hasEntry));
     std::printf("\n");

