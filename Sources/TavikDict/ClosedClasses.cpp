@@ -40,7 +40,7 @@ const std::unordered_set<std::string_view> ownBaseForms{
 std::optional<std::string_view> closedClassBase(std::string_view word) {
     if (const auto irregular = irregularForms.find(word); irregular != irregularForms.end())
         return irregular->second;
-    if (ownBaseForms.count(word) > 0) return std::string_view();
+    if (ownBaseForms.contains(word)) return std::string_view();
     return std::nullopt;
 }
 

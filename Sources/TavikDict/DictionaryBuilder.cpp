@@ -31,14 +31,15 @@ public:
     void stageAdvanced(std::int64_t done) override { next.stageAdvanced(done); }
 
     void lineSkipped(const fs::path& file, std::int64_t line, std::string_view reason) override {
-        ++skippedLines;
+        ++skipped;
         next.lineSkipped(file, line, reason);
     }
 
-    std::int64_t skippedLines = 0;
+    std::int64_t skippedLines() const { return skipped; }
 
 private:
     BuildObserver& next;
+    std::int64_t skipped = 0;
 };
 
 /// The example sentences of all sources, no two equal up to case; the first of equals stays.
@@ -200,7 +201,7 @@ BuildSummary buildDictionary(const BuildPlan& plan, BuildObserver& observer) {
     attributions.commit();
     if (plan.tatoeba) authors.commit();
     database.commit();
-    summary.skippedLines = counting.skippedLines;
+    summary.skippedLines = counting.skippedLines();
     return summary;
 }
 

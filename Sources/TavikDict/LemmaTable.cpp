@@ -56,7 +56,7 @@ LemmaTable makeLemmaTable(const std::vector<Headword>& headwords, const WordNet&
     const BaseForms rules(headwords, wordNet, lemmaList);
     LemmaTable table;
     for (const std::string& form : forms)
-        if (auto base = rules.baseForm(form); base && known.count(*base) > 0)
+        if (auto base = rules.baseForm(form); base && known.contains(*base))
             table.emplace(form, std::move(*base));
     return table;
 }

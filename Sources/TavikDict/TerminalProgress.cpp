@@ -16,6 +16,8 @@ constexpr std::int64_t barColumns = 30;
 constexpr std::int64_t maxSkippedShown = 20;
 constexpr auto drawInterval = std::chrono::milliseconds(50);
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): all a signal handler can
+// reach
 volatile std::sig_atomic_t stopRequested = 0;
 
 void requestStop(int) {
@@ -37,8 +39,8 @@ std::string bar(std::int64_t done, std::int64_t total) {
 } // namespace
 
 TerminalProgress::TerminalProgress() : terminal(Terminal::of(STDERR_FILENO)) {
-    std::signal(SIGINT, requestStop);
-    std::signal(SIGTERM, requestStop);
+    for (const int signal : {SIGINT, SIGTERM})
+        static_cast<void>(std::signal(signal, requestStop));
 }
 
 TerminalProgress::~TerminalProgress() {

@@ -13,6 +13,8 @@ namespace tavik {
 class TerminalProgress final : public BuildObserver {
 public:
     TerminalProgress();
+    TerminalProgress(const TerminalProgress&) = delete;
+    TerminalProgress& operator=(const TerminalProgress&) = delete;
     /// Ends the bar's line.
     ~TerminalProgress() override;
 

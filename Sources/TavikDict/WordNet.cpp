@@ -167,14 +167,14 @@ void WordNet::readTagCounts(const std::filesystem::path& file) {
         const std::string word(key.substr(0, mark));
         auto& tagCounts = lexicons[static_cast<std::size_t>(*part)].tagCounts;
         // The file has every key in lower case: a word that is a name as well counts as the word.
-        auto& counts = tagCounts.count(word) > 0 ? tagCounts : nameTagCounts;
+        auto& counts = tagCounts.contains(word) ? tagCounts : nameTagCounts;
         if (const auto counted = counts.find(word); counted != counts.end())
             counted->second += count;
     }
 }
 
 bool WordNet::isOnlyName(std::string_view word) const {
-    return nameTagCounts.count(std::string(word)) > 0 && !defines(word);
+    return nameTagCounts.contains(std::string(word)) && !defines(word);
 }
 
 std::int64_t WordNet::nameTagCount(std::string_view word) const {
@@ -184,7 +184,7 @@ std::int64_t WordNet::nameTagCount(std::string_view word) const {
 
 bool WordNet::isIrregular(std::string_view form) const {
     return std::any_of(lexicons.begin(), lexicons.end(), [&](const Lexicon& lexicon) {
-        return lexicon.exceptions.count(std::string(form)) > 0;
+        return lexicon.exceptions.contains(std::string(form));
     });
 }
 
@@ -205,7 +205,7 @@ bool WordNet::shareMeaning(std::string_view noun, std::string_view other) const 
 }
 
 bool WordNet::defines(std::string_view word, PartOfSpeech partOfSpeech) const {
-    return lexicon(partOfSpeech).tagCounts.count(std::string(word)) > 0;
+    return lexicon(partOfSpeech).tagCounts.contains(std::string(word));
 }
 
 bool WordNet::defines(std::string_view word) const {

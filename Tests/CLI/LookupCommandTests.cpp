@@ -89,7 +89,7 @@ TEST_F(LookupCommandTest, hostileTextDoesNotReachTheTerminal) {
 
 TEST_F(LookupCommandTest, outputThatCannotBeWrittenIsAnError) {
     const auto result =
-        test::runProcess({"/bin/sh", "-c", "exec \"$0\" lookup --dictionary \"$1\" run > /dev/full",
+        test::runProcess({"/bin/sh", "-c", R"(exec "$0" lookup --dictionary "$1" run > /dev/full)",
                           TAVIK_CLI, path});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_THAT(result.errors, HasSubstr("写不出去"));

@@ -53,7 +53,7 @@ int exitCodeOf(pid_t child) {
 
 void restrict(const Restrictions& restrictions) {
     if (restrictions.maxFileSize) {
-        std::signal(SIGXFSZ, SIG_IGN);
+        static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
         const rlimit limit{*restrictions.maxFileSize, *restrictions.maxFileSize};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
@@ -63,7 +63,7 @@ void restrict(const Restrictions& restrictions) {
 
 } // namespace
 
-ProcessResult runProcess(const std::vector<std::string>& command, const std::string& input) {
+ProcessResult runProcess(std::vector<std::string> command, const std::string& input) {
     const Pipe in;
     const Pipe out;
     const Pipe err;
@@ -76,8 +76,8 @@ ProcessResult runProcess(const std::vector<std::string>& command, const std::str
             for (const int end : pipe.ends)
                 close(end);
         std::vector<char*> arguments;
-        for (const std::string& argument : command)
-            arguments.push_back(const_cast<char*>(argument.c_str()));
+        for (std::string& argument : command)
+            arguments.push_back(argument.data());
         arguments.push_back(nullptr);
         execv(arguments.front(), arguments.data());
         _exit(127);
@@ -85,7 +85,7 @@ ProcessResult runProcess(const std::vector<std::string>& command, const std::str
     close(in.readEnd());
     close(out.writeEnd());
     close(err.writeEnd());
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     ProcessResult result;
     std::thread feeder([&] { writeAll(in.writeEnd(), input); });
     std::thread errorReader([&] { result.errors = readAll(err.readEnd()); });

@@ -16,7 +16,7 @@ struct ProcessResult {
 
 /// Runs a program to its end with `input` on its standard input. A killed program has an exit code
 /// of 128 and its signal.
-ProcessResult runProcess(const std::vector<std::string>& command, const std::string& input = {});
+ProcessResult runProcess(std::vector<std::string> command, const std::string& input = {});
 
 /// What a child process of `inChild` may do less than this one.
 struct Restrictions {

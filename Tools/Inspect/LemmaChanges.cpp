@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <iostream>
 
 namespace {
 
@@ -53,7 +54,7 @@ void printChange(const OfflineDictionary& dictionary, const Headword& headword) 
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fputs("usage: tavik-lemma-changes DICTIONARY ECDICT-DIRECTORY [COUNT]\n", stderr);
+        std::cerr << "usage: tavik-lemma-changes DICTIONARY ECDICT-DIRECTORY [COUNT]\n";
         return 1;
     }
     constexpr std::size_t defaultCount = 20000;
@@ -63,7 +64,7 @@ int main(int argc, char** argv) {
         for (const Headword& headword : mostFrequent(argv[2], count))
             printChange(dictionary, headword);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "tavik-lemma-changes: %s\n", error.what());
+        std::cerr << "tavik-lemma-changes: " << error.what() << '\n';
         return 1;
     }
     return 0;

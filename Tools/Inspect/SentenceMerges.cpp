@@ -42,10 +42,10 @@ int main() {
     const auto breaks = tavik::sentenceBreaks(text);
     std::size_t merges = 0;
     for (auto at = breaks->next(); at != icu::BreakIterator::DONE; at = breaks->next()) {
-        if (static_cast<std::size_t>(at) == text.size() || kept.count(at) > 0) continue;
+        if (static_cast<std::size_t>(at) == text.size() || kept.contains(at)) continue;
         printMerge(text, static_cast<std::size_t>(at));
         ++merges;
     }
-    std::fprintf(stderr, "%zu sentences, %zu boundaries taken back\n", kept.size(), merges);
+    std::cerr << kept.size() << " sentences, " << merges << " boundaries taken back\n";
     return 0;
 }

@@ -1,12 +1,12 @@
 #include "Base/Fatal.h"
 
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 namespace tavik {
 
 void fatal(std::string_view what) {
-    std::fprintf(stderr, "tavik: fatal: %.*s\n", static_cast<int>(what.size()), what.data());
+    std::cerr << "tavik: fatal: " << what << std::endl;
     std::abort();
 }
 

@@ -101,7 +101,7 @@ std::optional<DictEntry> OfflineDictionary::entry(std::string_view word) const {
 }
 
 std::string OfflineDictionary::lemma(std::string_view word) const {
-    const std::string normal = TextUtil::normalizeWord(word);
+    std::string normal = TextUtil::normalizeWord(word);
     if (const auto own = entry(normal)) {
         const auto base = own->exchange.find(baseFormKey);
         if (base != own->exchange.end() && entry(base->second)) return lowercased(base->second);

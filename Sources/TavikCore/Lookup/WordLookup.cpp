@@ -13,7 +13,7 @@ constexpr int exampleLimit = 3;
 std::optional<std::string> lookupText(const OfflineDictionary& dictionary,
                                       const std::string& selection) {
     if (TextUtil::isLookupCandidate(selection)) return selection;
-    const auto straightened = TextUtil::straightenedCandidate(selection);
+    auto straightened = TextUtil::straightenedCandidate(selection);
     if (straightened && dictionary.entry(TextUtil::normalizeWord(*straightened)))
         return straightened;
     return std::nullopt;

@@ -67,19 +67,19 @@ bool isInitial(std::u16string_view word) {
 } // namespace
 
 Abbreviation abbreviation(std::u16string_view word) {
-    if (continuing.count(word) > 0) return Abbreviation::continues;
-    if (numbered.count(word) > 0) return Abbreviation::beforeNumber;
-    if (ambiguous.count(word) > 0 || isDottedCapitals(word) || isInitial(word))
+    if (continuing.contains(word)) return Abbreviation::continues;
+    if (numbered.contains(word)) return Abbreviation::beforeNumber;
+    if (ambiguous.contains(word) || isDottedCapitals(word) || isInitial(word))
         return Abbreviation::unlessOpener;
     return Abbreviation::none;
 }
 
 bool isSentenceOpener(std::u16string_view word) {
-    return openers.count(word) > 0;
+    return openers.contains(word);
 }
 
 bool isSpeechVerb(std::u16string_view word) {
-    return speechVerbs.count(word) > 0;
+    return speechVerbs.contains(word);
 }
 
 } // namespace tavik

@@ -13,7 +13,6 @@ namespace tavik {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::StartsWith;
 
 class DamagedDictionaryTest : public testing::Test {
 protected:

@@ -92,12 +92,12 @@ TEST(SentenceTokenizer, numbersAndListMarksAreNoSentences) {
 TEST(SentenceTokenizer, quotedSpeechBelongsToItsSpeaker) {
     expectCuts({
         "“Stop!” he shouted. |Nobody moved.",
-        "\"Why?\" she asked. |\"Because,\" he said.",
+        R"("Why?" she asked. |"Because," he said.)",
         "“Really?” I asked. |“Yes.” |She smiled.",
-        "\"Run!\" John shouted. |They ran.",
+        R"("Run!" John shouted. |They ran.)",
         "'Is it far?' asked Tom. |'No.'",
         "He said, “Go home.” |Then he left.",
-        "She whispered, \"I know.\" |He nodded.",
+        R"(She whispered, "I know." |He nodded.)",
         "«Non!» he cried.",
         "“It’s over.” |Everyone cheered.",
     });
