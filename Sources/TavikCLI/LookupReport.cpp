@@ -24,8 +24,8 @@ std::vector<std::string> knownForms(const WordLookup& lookup) {
     forms.push_back(normal);
     if (!lookup.entry) return forms;
     forms.push_back(lookup.entry->word);
-    for (const auto& [key, form] : lookup.entry->exchange)
-        if (!exchangeLabel(key).empty()) forms.push_back(form);
+    for (const Inflection& inflection : inflections(*lookup.entry))
+        forms.push_back(inflection.form);
     return forms;
 }
 
@@ -73,14 +73,11 @@ std::string headline(const Report& report, const DictEntry& entry) {
     return shown.empty() ? line : line + "  " + report.inStyle(TextStyle::faint, shown);
 }
 
-std::string inflections(const DictEntry& entry) {
+std::string inflectionLine(const DictEntry& entry) {
     std::string line;
-    for (const auto& [key, form] : entry.exchange) {
-        const std::string label = exchangeLabel(key);
-        if (label.empty()) continue;
+    for (const auto& [label, form] : inflections(entry)) {
         if (!line.empty()) line += " · ";
-        line += label;
-        line += ' ' + form;
+        line.append(label).append(" ").append(form);
     }
     return line;
 }
@@ -93,7 +90,7 @@ void addEntry(Report& report, const WordLookup& lookup) {
         report.paragraph(selected + " → " + lookup.lemma, 2, TextStyle::faint);
     for (const std::string& sense : entry.translations)
         report.paragraph(sense, 2);
-    if (const std::string forms = inflections(entry); !forms.empty()) {
+    if (const std::string forms = inflectionLine(entry); !forms.empty()) {
         report.heading("变形");
         report.paragraph(forms, 2);
     }
@@ -102,6 +99,11 @@ void addEntry(Report& report, const WordLookup& lookup) {
     const std::size_t shown = std::min(entry.definitions.size(), maxDefinitions);
     for (std::size_t i = 0; i < shown; ++i)
         report.paragraph(entry.definitions[i], 2);
+}
+
+std::string reasonForNothing(const WordLookup& lookup) {
+    if (TextUtil::isLookupCandidate(lookup.selection)) return "没有查到";
+    return "没有查到：只能查英文单词和四个词以内的短语";
 }
 
 void addExamples(Report& report, const std::vector<ExampleSentence>& examples) {
@@ -162,7 +164,8 @@ std::string lookupText(const WordLookup& lookup, const std::optional<SentenceCon
     if (lookup.entry)
         addEntry(report, lookup);
     else
-        report.line(report.inStyle(TextStyle::bold, printable(lookup.selection)) + "  没有查到");
+        report.line(report.inStyle(TextStyle::bold, printable(lookup.selection)) + "  "
+                    + reasonForNothing(lookup));
     addExamples(report, lookup.examples);
     if (context) addContext(report, *context);
     report.line("");

@@ -7,6 +7,7 @@
 #include "Text/Unicode.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 namespace tavik {
@@ -73,6 +74,31 @@ std::string repairedPhonetic(const std::string& field) {
     return result;
 }
 
+/// Half of the definitions mark the part of speech with WordNet's bare letter, "s" for adjectives
+/// that go with another; all get the usual mark.
+std::string withUsualMarks(const std::string& definition) {
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 7> marks{{{"n", "n."},
+                                                                                  {"v", "v."},
+                                                                                  {"a", "a."},
+                                                                                  {"s", "a."},
+                                                                                  {"s.", "a."},
+                                                                                  {"r", "adv."},
+                                                                                  {"r.", "adv."}}};
+    std::string result;
+    for (std::size_t start = 0; start < definition.size();) {
+        const std::size_t end = std::min(definition.find('\n', start), definition.size() - 1) + 1;
+        const std::string_view line = std::string_view(definition).substr(start, end - start);
+        const std::size_t blank = std::min(line.find(' '), line.size());
+        const auto mark = std::find_if(marks.begin(), marks.end(), [&](const auto& pair) {
+            return pair.first == line.substr(0, blank);
+        });
+        result += mark == marks.end() ? line.substr(0, blank) : mark->second;
+        result += line.substr(blank);
+        start = end;
+    }
+    return result;
+}
+
 /// A number of an optional column: nothing for an empty field, false for one that is no number.
 bool readNumber(const std::string& field, std::optional<std::int64_t>& number) {
     if (field.empty()) return true;
@@ -111,7 +137,7 @@ std::optional<Headword> parseHeadword(std::string_view line) {
     headword.word = trimmed(unescaped(field(word)), isWhiteSpace);
     if (headword.word.empty()) return std::nullopt;
     headword.phonetic = repairedPhonetic(field(phonetic));
-    headword.definition = unescaped(field(definition));
+    headword.definition = withUsualMarks(unescaped(field(definition)));
     headword.translation = unescaped(field(translation));
     headword.tag = field(tag);
     headword.bnc = bncRank.value_or(0);

@@ -23,10 +23,10 @@ TEST(CSVLine, quotedFieldsKeepCommasAndQuotes) {
 
 TEST(ECDICT, aLineBecomesAHeadwordWithItsEscapesResolved) {
     const auto run = parseHeadword(
-        R"(run,"'rʌn\\\\:n",v. go\nfast,n. 跑\r\nv. 奔跑 \\o/ \t,,5,1,zk gk,20,10,p:ran/0:go,,)");
+        R"(run,"'rʌn\\\\:n",s going\nfast\nn a run,n. 跑\r\nv. 奔跑 \\o/ \t,,5,1,zk gk,20,10,p:ran/0:go,,)");
     ASSERT_TRUE(run);
     EXPECT_EQ(run->phonetic, "'rʌnə:n");
-    EXPECT_EQ(run->definition, "v. go\nfast");
+    EXPECT_EQ(run->definition, "a. going\nfast\nn. a run");
     EXPECT_EQ(run->translation, "n. 跑\nv. 奔跑 \\o/ \\t");
     EXPECT_EQ(run->collins, 5);
     EXPECT_EQ(run->rank(), 10);
