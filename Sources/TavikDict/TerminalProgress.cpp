@@ -13,11 +13,11 @@ namespace {
 
 constexpr std::size_t titleColumns = 12;
 constexpr std::int64_t barColumns = 30;
-constexpr std::int64_t maxSkippedShown = 20;
+constexpr std::size_t maxNumbersShown = 20;
 constexpr auto drawInterval = std::chrono::milliseconds(50);
 
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): all a signal handler can
-// reach
+// A signal handler can reach nothing else.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 volatile std::sig_atomic_t stopRequested = 0;
 
 void requestStop(int) {
@@ -45,13 +45,13 @@ TerminalProgress::TerminalProgress() : terminal(Terminal::of(STDERR_FILENO)) {
 
 TerminalProgress::~TerminalProgress() {
     clearLine();
+    printSkippedLines();
 }
 
 void TerminalProgress::stageBegan(std::string_view stageTitle, std::int64_t stageTotal) {
     throwIfStopped();
     title = stageTitle;
     total = stageTotal;
-    skippedInStage = 0;
     nextDraw = {};
     if (terminal.isInteractive)
         draw(0);
@@ -67,10 +67,17 @@ void TerminalProgress::stageAdvanced(std::int64_t done) {
 
 void TerminalProgress::lineSkipped(const std::filesystem::path& file, std::int64_t line,
                                    std::string_view reason) {
-    if (++skippedInStage > maxSkippedShown) return;
-    clearLine();
-    std::cerr << "跳过 " << file.string() << " 第 " << line << " 行：" << reason << '\n';
-    if (skippedInStage == maxSkippedShown) std::cerr << "（更多的跳过行不再列出）\n";
+    skippedLines[{file.string(), std::string(reason)}].push_back(line);
+}
+
+void TerminalProgress::printSkippedLines() const {
+    for (const auto& [fileAndReason, lines] : skippedLines) {
+        const auto& [file, reason] = fileAndReason;
+        std::cerr << file << "：跳过 " << lines.size() << " 行（" << reason << "），第 ";
+        for (std::size_t i = 0; i < std::min(lines.size(), maxNumbersShown); ++i)
+            std::cerr << (i > 0 ? "、" : "") << lines[i];
+        std::cerr << (lines.size() > maxNumbersShown ? "……行\n" : " 行\n");
+    }
 }
 
 void TerminalProgress::draw(std::int64_t done) {
