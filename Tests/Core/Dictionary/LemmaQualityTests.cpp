@@ -1,9 +1,7 @@
-#include "Base/ResourceFile.h"
-#include "Dictionary/OfflineDictionary.h"
+#include "Support/RealDictionary.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <sstream>
 
 namespace tavik {
@@ -59,17 +57,7 @@ never other flower master interest forest honest modest harvest later media data
 interested
 )";
 
-class LemmaQualityTest : public testing::Test {
-protected:
-    void SetUp() override {
-        const auto path = resourceFile("dict.sqlite");
-        if (!std::filesystem::exists(path))
-            GTEST_SKIP() << "no dictionary has been built at " << path;
-        dictionary.emplace(path.string());
-    }
-
-    std::optional<OfflineDictionary> dictionary;
-};
+class LemmaQualityTest : public test::RealDictionaryTest {};
 
 TEST_F(LemmaQualityTest, everyFormIsFiledUnderTheWordThatATeacherWouldName) {
     std::istringstream groups(inflected);

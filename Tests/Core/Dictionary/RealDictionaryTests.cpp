@@ -1,27 +1,14 @@
-#include "Base/ResourceFile.h"
 #include "Lookup/WordLookup.h"
+#include "Support/RealDictionary.h"
 #include "Text/TextUtil.h"
 #include "Text/Unicode.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 namespace tavik {
 namespace {
 
-/// The dictionary that `tavik-dict` built for this source tree.
-class RealDictionaryTest : public testing::Test {
-protected:
-    void SetUp() override {
-        const auto path = resourceFile("dict.sqlite");
-        if (!std::filesystem::exists(path))
-            GTEST_SKIP() << "no dictionary has been built at " << path;
-        dictionary.emplace(path.string());
-    }
-
-    std::optional<OfflineDictionary> dictionary;
-};
+using test::RealDictionaryTest;
 
 TEST_F(RealDictionaryTest, wordsAsPeopleSelectThemBecomeTheirEntry) {
     const std::vector<std::pair<std::string, std::string>> cases{
