@@ -89,7 +89,7 @@ std::string withUsualMarks(const std::string& definition) {
         const std::size_t end = std::min(definition.find('\n', start), definition.size() - 1) + 1;
         const std::string_view line = std::string_view(definition).substr(start, end - start);
         const std::size_t blank = std::min(line.find(' '), line.size());
-        const auto mark = std::find_if(marks.begin(), marks.end(), [&](const auto& pair) {
+        const auto* const mark = std::find_if(marks.begin(), marks.end(), [&](const auto& pair) {
             return pair.first == line.substr(0, blank);
         });
         result += mark == marks.end() ? line.substr(0, blank) : mark->second;

@@ -15,23 +15,20 @@ using testing::Not;
 class DictProgramTest : public testing::Test {
 protected:
     std::vector<std::string> command(const std::vector<std::string>& more) const {
-        std::vector<std::string> all{TAVIK_DICT,
-                                     "--output",
-                                     output,
-                                     "--ecdict",
-                                     TAVIK_SAMPLES "/ecdict",
-                                     "--wordnet",
-                                     TAVIK_SAMPLES "/wordnet"};
+        std::vector<std::string> all{TAVIK_DICT,          "--output",          output,
+                                     "--ecdict",          samples + "/ecdict", "--wordnet",
+                                     samples + "/wordnet"};
         all.insert(all.end(), more.begin(), more.end());
         return all;
     }
 
+    std::string samples = TAVIK_SAMPLES;
     test::TemporaryDirectory directory;
     std::string output = directory.file("dict.sqlite");
 };
 
 TEST_F(DictProgramTest, aBuildEndsWithASummaryAndNamesTheSkippedLines) {
-    const auto result = test::runProcess(command({"--tatoeba", TAVIK_SAMPLES "/tatoeba.tsv"}));
+    const auto result = test::runProcess(command({"--tatoeba", samples + "/tatoeba.tsv"}));
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.output, HasSubstr("词条 28，"));
     EXPECT_THAT(result.output, HasSubstr("跳过的行 6"));
@@ -44,7 +41,7 @@ TEST_F(DictProgramTest, failuresAreOneSentenceThatSaysWhatToDo) {
     const auto missing = test::runProcess(command({"--sentences", directory.file("none.tsv")}));
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_THAT(missing.errors, HasSubstr("none.tsv：文件不存在或不可读"));
-    const auto foreign = test::runProcess(command({"--ecdict", TAVIK_SAMPLES "/wordnet"}));
+    const auto foreign = test::runProcess(command({"--ecdict", samples + "/wordnet"}));
     EXPECT_EQ(foreign.exitCode, 1);
     EXPECT_FALSE(std::filesystem::exists(output));
 }
