@@ -12,6 +12,12 @@ namespace {
 
 constexpr int busyTimeoutMilliseconds = 3000;
 
+/// SQLite counts the memory it uses, under a lock, at every allocation; nobody asks for the count.
+void configureOnce() {
+    static const int result = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+    static_cast<void>(result);
+}
+
 using Statement = std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)>;
 
 /// Binds one value at the 1-based parameter index it is called with.
@@ -71,6 +77,7 @@ SQLiteDB::Row readRow(sqlite3_stmt* statement,
 } // namespace
 
 SQLiteDB::SQLiteDB(const std::string& path, bool readOnly) : handle(nullptr, sqlite3_close) {
+    configureOnce();
     const int mode = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     sqlite3* opened = nullptr;
     const int result =
@@ -103,11 +110,12 @@ std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::ve
         if (std::visit(Bind{prepared, static_cast<int>(i) + 1}, args[i]) != SQLITE_OK)
             throw Error::step(sqlite3_errmsg(handle.get()));
 
-    const auto names = columnNames(prepared);
+    std::shared_ptr<const Row::ColumnNames> names;
     std::vector<Row> rows;
     for (;;) {
         switch (sqlite3_step(prepared)) {
         case SQLITE_ROW:
+            if (!names) names = columnNames(prepared);
             rows.push_back(readRow(prepared, names));
             break;
         case SQLITE_DONE:

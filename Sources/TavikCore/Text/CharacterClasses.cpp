@@ -36,9 +36,4 @@ bool isBlank(char32_t scalar) {
     return scalar == '\t' || isInCategories(scalar, U_GC_ZS_MASK);
 }
 
-bool isNewline(char32_t scalar) {
-    return (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 || scalar == 0x2028
-           || scalar == 0x2029;
-}
-
 } // namespace tavik

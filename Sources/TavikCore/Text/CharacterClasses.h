@@ -14,7 +14,11 @@ bool isPunctuationOrSymbol(char32_t scalar);
 bool isWhiteSpace(char32_t scalar);
 /// Category Zs and the tab.
 bool isBlank(char32_t scalar);
+
 /// LF, VT, FF, CR, U+0085, U+2028 and U+2029.
-bool isNewline(char32_t scalar);
+inline bool isNewline(char32_t scalar) {
+    return (scalar >= 0x0A && scalar <= 0x0D) || scalar == 0x85 || scalar == 0x2028
+           || scalar == 0x2029;
+}
 
 } // namespace tavik

@@ -89,7 +89,7 @@ std::string printable(std::string_view text) {
     return result;
 }
 
-char32_t nextScalar(std::string_view text, std::size_t& offset) {
+char32_t nextMultibyteScalar(std::string_view text, std::size_t& offset) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     UChar32 scalar = 0;
     U8_NEXT_OR_FFFD(bytes, offset, text.size(), scalar);
@@ -125,22 +125,6 @@ std::string_view trimmed(std::string_view text, ScalarClass isTrimmed) {
     for (std::size_t before = end; before > start; end = before)
         if (!isTrimmed(previousScalar(text, before))) break;
     return text.substr(start, end - start);
-}
-
-std::vector<std::string_view> split(std::string_view text, ScalarClass isSeparator) {
-    std::vector<std::string_view> pieces;
-    std::size_t start = 0;
-    const auto close = [&](std::size_t end) {
-        if (end > start) pieces.push_back(text.substr(start, end - start));
-    };
-    for (std::size_t offset = 0; offset < text.size();) {
-        const std::size_t at = offset;
-        if (!isSeparator(nextScalar(text, offset))) continue;
-        close(at);
-        start = offset;
-    }
-    close(text.size());
-    return pieces;
 }
 
 std::string joined(const std::vector<std::string_view>& pieces, std::string_view separator) {

@@ -31,8 +31,9 @@ using ScalarClass = bool (*)(char32_t);
 /// `text` without the scalars of `isTrimmed` at both ends.
 std::string_view trimmed(std::string_view text, ScalarClass isTrimmed);
 
-/// The non-empty pieces of `text` between scalars of `isSeparator`.
-std::vector<std::string_view> split(std::string_view text, ScalarClass isSeparator);
+/// The non-empty pieces of `text` between scalars that satisfy `isSeparator`.
+template<typename Predicate>
+std::vector<std::string_view> split(std::string_view text, Predicate isSeparator);
 
 /// Whether every scalar of `text` satisfies `predicate`.
 template<typename Predicate>
@@ -43,10 +44,13 @@ template<typename Predicate>
 std::string filteredScalars(std::string_view text, Predicate predicate);
 
 /// Reads the scalar at the unit `offset` and moves `offset` behind it.
-char32_t nextScalar(std::string_view text, std::size_t& offset);
+inline char32_t nextScalar(std::string_view text, std::size_t& offset);
 char32_t nextScalar(std::u16string_view text, std::size_t& offset);
 /// Reads the scalar before the byte `offset` and moves `offset` before it.
 char32_t previousScalar(std::string_view text, std::size_t& offset);
+
+/// `nextScalar` for a byte of any kind.
+char32_t nextMultibyteScalar(std::string_view text, std::size_t& offset);
 
 std::string joined(const std::vector<std::string_view>& pieces, std::string_view separator);
 
@@ -54,6 +58,30 @@ std::string joined(const std::vector<std::string_view>& pieces, std::string_view
 std::string printable(std::string_view text);
 
 std::string replacingAll(std::string_view text, std::string_view from, std::string_view to);
+
+inline char32_t nextScalar(std::string_view text, std::size_t& offset) {
+    const auto byte = static_cast<unsigned char>(text[offset]);
+    if (byte >= 0x80) return nextMultibyteScalar(text, offset);
+    ++offset;
+    return byte;
+}
+
+template<typename Predicate>
+std::vector<std::string_view> split(std::string_view text, Predicate isSeparator) {
+    std::vector<std::string_view> pieces;
+    std::size_t start = 0;
+    const auto close = [&](std::size_t end) {
+        if (end > start) pieces.push_back(text.substr(start, end - start));
+    };
+    for (std::size_t offset = 0; offset < text.size();) {
+        const std::size_t at = offset;
+        if (!isSeparator(nextScalar(text, offset))) continue;
+        close(at);
+        start = offset;
+    }
+    close(text.size());
+    return pieces;
+}
 
 template<typename Predicate>
 bool allScalars(std::string_view text, Predicate predicate) {
