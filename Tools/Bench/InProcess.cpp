@@ -57,6 +57,12 @@ void printRow(const char* title, const Measurement& measurement) {
                 samples.median(), samples.p99(), samples.max());
 }
 
+void printMedianRow(const char* title, const Measurement& measurement, double budget) {
+    printRow(title, measurement);
+    printBudget("median", measurement.samples.median(), budget);
+    std::printf("\n");
+}
+
 void printSlowest(const std::vector<std::string>& words, const Samples& samples) {
     std::vector<std::size_t> order(words.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
@@ -86,10 +92,8 @@ void reportSentences(const std::u16string& text) {
     const auto hasSentence = [&](const std::string&) {
         return TextUtil::sentence(text, middle, maxSentenceLength).has_value();
     };
-    const Measurement sentences = measured(std::vector<std::string>(textRounds), hasSentence);
-    printRow("sentence, 10,000 units", sentences);
-    printBudget("median", sentences.samples.median(), sentenceBudget);
-    std::printf("\n");
+    printMedianRow("sentence, 10,000 units",
+                   measured(std::vector<std::string>(textRounds), hasSentence), sentenceBudget);
 }
 
 } // namespace
@@ -105,20 +109,9 @@ void reportInProcess(const std::string& dictionary, const WordLists& words) {
     };
 
     printHeading("In process, µs; calls that were true", "   median       p99       max");
-    const Measurement entries = measured(words.frequent, hasEntry);
-    printRow("entry", entries);
-    printBudget("median", entries.samples.median(), entryBudget);
-    std::printf("\n");
-
-    const Measurement lemmas = measured(words.frequent, isReduced);
-    printRow("lemma", lemmas);
-    printBudget("median", lemmas.samples.median(), lemmaBudget);
-    std::printf("\n");
-
-    const Measurement forms = measured(words.inflected, isReduced);
-    printRow("lemma, inflected", forms);
-    printBudget("median", forms.samples.median(), lemmaBudget);
-    std::printf("\n");
+    printMedianRow("entry", measured(words.frequent, hasEntry), entryBudget);
+    printMedianRow("lemma", measured(words.frequent, isReduced), lemmaBudget);
+    printMedianRow("lemma, inflected", measured(words.inflected, isReduced), lemmaBudget);
 
     const Measurement examples = measured(words.frequent, hasExamples);
     printRow("examples", examples);

