@@ -1,8 +1,8 @@
 #include "TavikDict/DictionaryBuilder.h"
 
+#include "Base/AsideFile.h"
 #include "Dictionary/DictionarySchema.h"
 #include "Storage/SQLiteDB.h"
-#include "TavikDict/AsideFile.h"
 #include "TavikDict/Attribution.h"
 #include "TavikDict/BuildError.h"
 #include "TavikDict/BulkInsert.h"

@@ -31,7 +31,8 @@ struct BuildSummary {
 };
 
 /// Builds the dictionary and its attributions. They are written aside and take their place at the
-/// very end; a build that fails or is stopped leaves the old files. Throws `BuildError`.
+/// very end; a build that fails or is stopped leaves the old files. Throws `BuildError`
+/// or `FileError`.
 BuildSummary buildDictionary(const BuildPlan& plan, BuildObserver& observer);
 
 } // namespace tavik

@@ -2,7 +2,7 @@
 #include "Dictionary/OfflineDictionary.h"
 #include "Support/ChildProcess.h"
 #include "Support/TemporaryDirectory.h"
-#include "TavikDict/AsideFile.h"
+#include "Base/AsideFile.h"
 #include "TavikDict/BuildError.h"
 #include "TavikDict/DictionaryBuilder.h"
 #include "TavikDict/SilentObserver.h"
@@ -122,7 +122,7 @@ TEST_F(DictionaryBuilderTest, aBuildThatFailsOrIsStoppedLeavesTheOldFileAlone) {
     EXPECT_THROW(buildDictionary(foreign, observer), BuildError);
     foreign = plan();
     foreign.output = directory.file("none/dict.sqlite");
-    EXPECT_THROW(buildDictionary(foreign, observer), BuildError);
+    EXPECT_THROW(buildDictionary(foreign, observer), FileError);
 
     EXPECT_TRUE(test::readFile(output) == "old");
     EXPECT_THAT(files(), ElementsAre("dict.sqlite"));
@@ -141,7 +141,7 @@ TEST_F(DictionaryBuilderTest, aFullDiskOrAForeignDirectoryIsAClearErrorAndLosesN
 
 TEST_F(DictionaryBuilderTest, twoBuildsNeverWriteTheSameFile) {
     const DirectoryLock other(directory.path());
-    EXPECT_THROW(buildDictionary(plan(), observer), BuildError);
+    EXPECT_THROW(buildDictionary(plan(), observer), FileError);
     EXPECT_THAT(files(), ElementsAre());
 }
 

@@ -1,12 +1,11 @@
-#include "TavikDict/AsideFile.h"
-
-#include "TavikDict/BuildError.h"
+#include "Base/AsideFile.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 
 namespace tavik {
@@ -14,7 +13,7 @@ namespace {
 
 [[noreturn]] void throwFailure(const std::string& what, const std::filesystem::path& path) {
     const std::string reason = std::generic_category().message(errno);
-    throw BuildError(what + ' ' + path.string() + " 失败（" + reason + "）。请检查磁盘空间和权限");
+    throw FileError(what + ' ' + path.string() + " 失败（" + reason + "）。请检查磁盘空间和权限");
 }
 
 /// An open file or directory, closed at the end of the scope.
@@ -38,8 +37,14 @@ private:
     int number;
 };
 
-std::filesystem::path directoryOf(const std::filesystem::path& file) {
-    return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+/// Where a file at `path` really lies, links followed.
+std::filesystem::path placeOf(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) return path;
+    if (!std::filesystem::is_regular_file(status))
+        throw FileError(path.string() + " 不是普通文件，不能写在那里，请换一个文件名");
+    return std::filesystem::canonical(path);
 }
 
 } // namespace
@@ -49,15 +54,15 @@ DirectoryLock::DirectoryLock(const std::filesystem::path& directory)
     if (descriptor < 0) throwFailure("打开目录", directory);
     if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return;
     close(descriptor);
-    throw BuildError("另一个 tavik-dict 正在 " + directory.string() + " 里生成词典，请等它结束");
+    throw FileError("另一个程序正在 " + directory.string() + " 里写文件，请等它结束");
 }
 
 DirectoryLock::~DirectoryLock() {
     close(descriptor);
 }
 
-AsideFile::AsideFile(std::filesystem::path target)
-    : target(std::move(target)), aside(this->target.string() + ".part") {
+AsideFile::AsideFile(const std::filesystem::path& target)
+    : target(placeOf(target)), aside(this->target.string() + ".part") {
     removeAside();
 }
 
@@ -76,6 +81,20 @@ void AsideFile::removeAside() const noexcept {
     std::error_code ignored;
     for (const char* const ending : {"", "-journal", "-wal", "-shm"})
         std::filesystem::remove(aside.string() + ending, ignored);
+}
+
+std::filesystem::path directoryOf(const std::filesystem::path& file) {
+    return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+}
+
+void replaceFile(const std::filesystem::path& file, std::string_view contents) {
+    const DirectoryLock lock(directoryOf(file));
+    AsideFile aside(file);
+    std::ofstream stream(aside.path(), std::ios::binary);
+    stream << contents;
+    stream.close();
+    if (!stream) throwFailure("写入", file);
+    aside.commit();
 }
 
 } // namespace tavik
