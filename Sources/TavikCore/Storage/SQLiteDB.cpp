@@ -36,6 +36,34 @@ struct Bind {
     int operator()(SQLiteDB::Null) const { return sqlite3_bind_null(statement, index); }
 };
 
+SQLiteDB::Error::Cause lastCause(sqlite3* handle) {
+    using Cause = SQLiteDB::Error::Cause;
+    constexpr int primaryCode = 0xFF;
+    switch (sqlite3_errcode(handle) & primaryCode) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return Cause::busy;
+    case SQLITE_READONLY:
+        return Cause::readOnly;
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+        return Cause::cannotOpen;
+    case SQLITE_FULL:
+        return Cause::full;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return Cause::damaged;
+    case SQLITE_IOERR:
+        return Cause::inputOutput;
+    default:
+        return Cause::other;
+    }
+}
+
+SQLiteDB::Error stepError(sqlite3* handle) {
+    return SQLiteDB::Error::step(sqlite3_errmsg(handle), lastCause(handle));
+}
+
 std::string requiredText(const char* text, std::string_view what) {
     if (text == nullptr) fatal(what);
     return text;
@@ -83,7 +111,9 @@ SQLiteDB::SQLiteDB(const std::string& path, bool readOnly) : handle(nullptr, sql
     const int result =
         sqlite3_open_v2(path.c_str(), &opened, mode | SQLITE_OPEN_FULLMUTEX, nullptr);
     handle.reset(opened);
-    if (result != SQLITE_OK) throw Error::open(handle ? sqlite3_errmsg(opened) : "unknown");
+    if (result != SQLITE_OK)
+        throw handle ? Error::open(sqlite3_errmsg(opened), lastCause(opened))
+                     : Error::open("unknown");
     sqlite3_busy_timeout(opened, busyTimeoutMilliseconds);
     if (!readOnly) {
         execute("PRAGMA journal_mode=WAL");
@@ -96,19 +126,19 @@ SQLiteDB::~SQLiteDB() = default;
 void SQLiteDB::execute(const std::string& sql) {
     const std::lock_guard guard(lock);
     if (sqlite3_exec(handle.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
-        throw Error::step(sqlite3_errmsg(handle.get()));
+        throw stepError(handle.get());
 }
 
 std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::vector<Value>& args) {
     const std::lock_guard guard(lock);
     sqlite3_stmt* prepared = nullptr;
     if (sqlite3_prepare_v2(handle.get(), sql.c_str(), -1, &prepared, nullptr) != SQLITE_OK)
-        throw Error::prepare(sqlite3_errmsg(handle.get()), sql);
+        throw Error::prepare(sqlite3_errmsg(handle.get()), sql, lastCause(handle.get()));
     const Statement statement(prepared, sqlite3_finalize);
 
     for (std::size_t i = 0; i < args.size(); ++i)
         if (std::visit(Bind{prepared, static_cast<int>(i) + 1}, args[i]) != SQLITE_OK)
-            throw Error::step(sqlite3_errmsg(handle.get()));
+            throw stepError(handle.get());
 
     std::shared_ptr<const Row::ColumnNames> names;
     std::vector<Row> rows;
@@ -121,7 +151,7 @@ std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::ve
         case SQLITE_DONE:
             return rows;
         default:
-            throw Error::step(sqlite3_errmsg(handle.get()));
+            throw stepError(handle.get());
         }
     }
 }
@@ -145,21 +175,22 @@ void SQLiteDB::Transaction::commit() {
     open = false;
 }
 
-SQLiteDB::Error::Error(Kind kind, const std::string& description, std::string message,
+SQLiteDB::Error::Error(Kind kind, Cause cause, const std::string& description, std::string message,
                        std::string sql)
-    : std::runtime_error(description), kind(kind), message(std::move(message)),
+    : std::runtime_error(description), kind(kind), cause(cause), message(std::move(message)),
       sql(std::move(sql)) {}
 
-SQLiteDB::Error SQLiteDB::Error::open(const std::string& message) {
-    return {Kind::open, "SQLite open failed: " + message, message};
+SQLiteDB::Error SQLiteDB::Error::open(const std::string& message, Cause cause) {
+    return {Kind::open, cause, "SQLite open failed: " + message, message};
 }
 
-SQLiteDB::Error SQLiteDB::Error::prepare(const std::string& message, const std::string& sql) {
-    return {Kind::prepare, "SQLite prepare failed: " + message + " — " + sql, message, sql};
+SQLiteDB::Error SQLiteDB::Error::prepare(const std::string& message, const std::string& sql,
+                                         Cause cause) {
+    return {Kind::prepare, cause, "SQLite prepare failed: " + message + " — " + sql, message, sql};
 }
 
-SQLiteDB::Error SQLiteDB::Error::step(const std::string& message) {
-    return {Kind::step, "SQLite step failed: " + message, message};
+SQLiteDB::Error SQLiteDB::Error::step(const std::string& message, Cause cause) {
+    return {Kind::step, cause, "SQLite step failed: " + message, message};
 }
 
 SQLiteDB::Row::Row(std::shared_ptr<const ColumnNames> names, std::vector<Value> values)

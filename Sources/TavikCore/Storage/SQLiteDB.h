@@ -66,17 +66,23 @@ class SQLiteDB::Error : public std::runtime_error {
 public:
     enum class Kind { open, prepare, step };
 
-    static Error open(const std::string& message);
-    static Error prepare(const std::string& message, const std::string& sql);
-    static Error step(const std::string& message);
+    /// What stands behind the failure, as far as a user could do something about it.
+    enum class Cause { other, busy, readOnly, cannotOpen, full, damaged, inputOutput };
+
+    static Error open(const std::string& message, Cause cause = Cause::other);
+    static Error prepare(const std::string& message, const std::string& sql,
+                         Cause cause = Cause::other);
+    static Error step(const std::string& message, Cause cause = Cause::other);
 
     Kind kind;
+    Cause cause;
     std::string message;
     /// The statement, for `prepare` only.
     std::string sql;
 
 private:
-    Error(Kind kind, const std::string& description, std::string message, std::string sql = {});
+    Error(Kind kind, Cause cause, const std::string& description, std::string message,
+          std::string sql = {});
 };
 
 /// One result row, read by column name. Of two columns of one name the later counts. An accessor
