@@ -3,7 +3,8 @@
 
 A room is a directory of sources. Its row names the rooms whose headers it may include; these and
 all that their own rows name are allowed, nothing else. "Room(records)" allows the headers that end
-in Records.h, and of the rooms behind it those headers only. Every room may include Base and itself.
+in Records.h and those of their JSON form, that end in JSON.h, and of the rooms behind it those
+headers only. Every room may include Base and itself.
 """
 
 import re
@@ -17,7 +18,7 @@ Learning      ->
 Storage       ->
 Dictionary    -> Storage Text
 Explanation   -> Dictionary(records)
-Vocabulary    -> Storage Learning Dictionary(records) Explanation(records)
+Vocabulary    -> Storage Text Learning Dictionary(records) Explanation(records)
 Lookup        -> Vocabulary Dictionary Explanation Text
 
 Ports         ->
@@ -49,7 +50,12 @@ TavikVideo    -> UI/Video UI/Widgets Lookup
 # System headers, the only places below Sources/ that may include them, and what to say elsewhere.
 SYSTEM_HEADERS = [
     (r"sqlite3\.h", ["TavikCore/Storage/"], "只有 Storage 可以用 SQLite"),
-    (r"unicode/.*", ["TavikCore/Text/"], "只有 Text 可以用 ICU"),
+    (
+        r"unicode/.*",
+        ["TavikCore/Text/", "TavikCore/Base/Calendar."],
+        "只有 Text 和 Base/Calendar 可以用 ICU",
+    ),
+    (r"uriparser/.*", ["TavikCore/Text/"], "只有 Text 可以用 uriparser"),
     (
         r"Q\w+(/.*)?|X11/.*|xcb/.*|glib.*|gio/.*|dbus/.*",
         ["Tavik/", "TavikVideo/"],
@@ -136,8 +142,8 @@ def arrow_fault(path, target):
     records_only = REACH[row_of(here)].get(row_of(there))
     if records_only is None:
         return f"{here} 不可以引用 {there}"
-    if records_only and not target.name.endswith("Records.h"):
-        return f"{here} 只可以引用 {there} 的 *Records.h"
+    if records_only and not target.name.endswith(("Records.h", "JSON.h")):
+        return f"{here} 只可以引用 {there} 的 *Records.h 和 *JSON.h"
     return None
 
 
@@ -193,6 +199,8 @@ SELF_TEST = {
     "TavikCore/Storage/DB.h": ("#pragma once\n#include <sqlite3.h>\n", []),
     "TavikCore/Storage/ICU.cpp": ("#include <unicode/uchar.h>\n", [1]),
     "TavikCore/Storage/Toolkit.cpp": ("#include <QString>\n#  include <glib.h>\n", [1, 2]),
+    "TavikCore/Base/Calendar.cpp": ("#include <unicode/calendar.h>\n", []),
+    "TavikCore/Dictionary/EntryJSON.h": ("#pragma once\n", []),
     "TavikCore/Dictionary/EntryRecords.h": ('#pragma once\n#include "Text/Words.h"\n', []),
     "TavikCore/Dictionary/Reader.h": ('#pragma once\n#include "Storage/DB.h"\n', []),
     "TavikCore/Dictionary/Unguarded.h": ("\n#pragma once\n", [1]),
@@ -201,7 +209,10 @@ SELF_TEST = {
         '#pragma once\n#include "Dictionary/EntryRecords.h"\n#include "Dictionary/Reader.h"\n',
         [3],
     ),
-    "TavikCore/Explanation/BehindRecords.cpp": ('#include "Storage/DB.h"\n', [1]),
+    "TavikCore/Explanation/BehindRecords.cpp": (
+        '#include "Storage/DB.h"\n#include "Dictionary/EntryJSON.h"\n',
+        [1],
+    ),
     "TavikCore/Vocabulary/BookRecords.h": ("#pragma once\n", []),
     "TavikCore/Lookup/Through.cpp": (
         '#include "Storage/DB.h"\n#include "Dictionary/Reader.h"\n#include "Ports/Clock.h"\n',

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tavik {
+
+/// Whether the book's file has been emptied while its "-wal" still holds data. SQLite would delete
+/// that data on opening, and with it the words saved last.
+bool isEmptiedBook(const std::string& path);
+
+/// The book at `path` is an emptied one and must not be opened. `what()` is a Chinese sentence that
+/// tells the user what to do.
+class EmptiedBookError : public std::runtime_error {
+public:
+    explicit EmptiedBookError(const std::string& path);
+};
+
+} // namespace tavik

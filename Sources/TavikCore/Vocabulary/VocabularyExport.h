@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Base/Calendar.h"
+#include "Vocabulary/VocabularyRecords.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavik {
+
+class VocabularyStore;
+
+/// A word with all sentences in which it was met, newest first.
+struct WordHistory {
+    VocabItem item;
+    std::vector<Encounter> encounters;
+};
+
+/// The whole book, newest words first. Throws `SQLiteDB::Error`.
+std::vector<WordHistory> wordHistories(const VocabularyStore& store);
+
+enum class ExportFormat {
+    /// For spreadsheets: UTF-8 with a byte-order mark, a line for each encounter. A cell that a
+    /// spreadsheet would take for a formula begins with "'".
+    csv,
+    /// All that is known, as an array of objects with the fields' names as keys.
+    json,
+    /// For Anki's text import: tab-separated HTML with the directives that Anki reads, one note a
+    /// word, the word bold in its sentences.
+    anki,
+};
+
+/// The format of the name "csv", "json" or "anki".
+std::optional<ExportFormat> exportFormat(std::string_view name);
+
+/// The book as one text. `calendar` is for the moments that people read.
+std::string exportedBook(const std::vector<WordHistory>& words, ExportFormat format,
+                         const Calendar& calendar);
+
+} // namespace tavik
