@@ -66,10 +66,11 @@ std::string explanation(const CLI::App& app, const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr)
         return "命令行里有一个值的类型不对";
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
-        const bool isOption = subject(error).rfind("--", 0) == 0;
-        return isOption ? "缺少 " + subject(error) : "没有说要做什么：请给出一个命令";
+        const bool hasCommand = &chosenCommand(app) != &app || subject(error).rfind("--", 0) == 0;
+        return hasCommand ? "缺少 " + subject(error) : "没有说要做什么：请给出一个命令";
     }
-    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) return error.what();
+    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr)
+        return replacingAll(error.what(), ": ", " ");
     return "命令行有误";
 }
 
@@ -101,6 +102,15 @@ CLI::App* addCommand(CLI::App& app, const std::string& name, const std::string& 
     command->group("命令");
     command->get_help_ptr()->group(optionGroup);
     return command;
+}
+
+CLI::Validator within(double low, double high, const std::string& explanation) {
+    const auto check = [=](const std::string& text) {
+        double value = 0;
+        const bool isNumber = CLI::detail::lexical_cast(text, value);
+        return isNumber && value >= low && value <= high ? std::string() : explanation;
+    };
+    return {check, ""};
 }
 
 int runCommandLine(CLI::App& app, int argc, char** argv, const std::function<int()>& run) {

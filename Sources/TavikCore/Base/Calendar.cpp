@@ -55,9 +55,7 @@ Calendar::WallTime Calendar::wallTime(Date date) const {
     icu::GregorianCalendar calendar = makeCalendar(timeZone);
     UErrorCode status = U_ZERO_ERROR;
     calendar.setTime(secondsSince1970(date) * millisecondsPerSecond, status);
-    const auto field = [&](UCalendarDateFields name) {
-        return calendar.get(name, status);
-    };
+    const auto field = [&](UCalendarDateFields name) { return calendar.get(name, status); };
     const WallTime result{
         {field(UCAL_YEAR), field(UCAL_MONTH) + 1, field(UCAL_DATE)},
         field(UCAL_HOUR_OF_DAY),

@@ -16,6 +16,8 @@ ReviewResult concludeReview(const Card& before, Card after, Rating rating, Date 
     after.due = now + std::chrono::duration<double>(interval.seconds);
     after.reps = countedUp(before.reps);
     after.lastReview = now;
+    // The ladder hands it through from wherever it came.
+    if (!std::isfinite(after.difficulty)) after.difficulty = 0;
     return {after,
             {before.wordID, rating, now, elapsedDays(before, now), interval.scheduledDays,
              before.state}};

@@ -1,0 +1,53 @@
+#include "Learning/DueLabel.h"
+#include "Learning/IntervalLabel.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+
+namespace tavik {
+namespace {
+
+const Date start = dateFromSeconds(1.7e9);
+
+std::string after(double seconds) {
+    return intervalLabel(start, start + std::chrono::duration<double>(seconds));
+}
+
+TEST(IntervalLabel, changesItsUnitExactlyAtTheBoundaries) {
+    constexpr double day = secondsPerDay;
+    const std::pair<double, const char*> cases[] = {
+        {-1e18, "1 分钟后"},      {10, "1 分钟后"},           {90, "2 分钟后"},
+        {3580, "60 分钟后"},      {3599.9, "60 分钟后"},      {3600, "1 小时后"},
+        {85200, "24 小时后"},     {86399, "24 小时后"},       {86400, "1 天后"},
+        {30.4 * day, "30 天后"},  {30.6 * day, "1 个月后"},   {45 * day, "2 个月后"},
+        {364 * day, "12 个月后"}, {364.4 * day, "12 个月后"}, {364.5 * day, "1.0 年后"},
+        {548 * day, "1.5 年后"},  {36500 * day, "100.0 年后"}};
+    for (const auto& [seconds, label] : cases)
+        EXPECT_EQ(after(seconds), label) << seconds;
+}
+
+TEST(IntervalLabelDeathTest, aDistanceThatIsNoNumberStopsTheProgram) {
+    EXPECT_DEATH(after(std::numeric_limits<double>::quiet_NaN()), "interval");
+    EXPECT_DEATH(after(1e300), "interval");
+}
+
+TEST(DueLabel, countsDaysOnTheCalendarNotInHours) {
+    const Calendar berlin("Europe/Berlin");
+    const Date evening = berlin.date({2026, 3, 28}, 23, 30);
+    const auto label = [&](Calendar::Day day, int hour, int minute) {
+        return dueLabel(berlin.date(day, hour, minute), evening, berlin);
+    };
+    EXPECT_EQ(dueLabel(evening, evening, berlin), "现在");
+    EXPECT_EQ(label({2026, 3, 1}, 0, 0), "现在");
+    EXPECT_EQ(label({2026, 3, 28}, 23, 59), "今天 23:59");
+    EXPECT_EQ(label({2026, 3, 29}, 0, 0), "明天");
+    EXPECT_EQ(label({2026, 3, 29}, 23, 59), "明天") << "a day of 23 hours";
+    EXPECT_EQ(label({2026, 4, 2}, 9, 0), "5 天后");
+    EXPECT_EQ(label({2026, 4, 27}, 9, 0), "30 天后");
+    EXPECT_EQ(label({2026, 4, 28}, 9, 0), "2026年4月28日");
+}
+
+} // namespace
+} // namespace tavik

@@ -1,0 +1,164 @@
+#include "Base/AsideFile.h"
+#include "Learning/FSRSScheduler.h"
+#include "Support/Book.h"
+#include "Support/ChildProcess.h"
+#include "Vocabulary/VocabularyBackup.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <filesystem>
+#include <thread>
+
+namespace tavik {
+namespace {
+
+namespace fs = std::filesystem;
+using test::addWord;
+using test::day;
+using testing::HasSubstr;
+
+class BackupTest : public test::BookTest {
+protected:
+    BackupTest() {
+        VocabularyStore book(path);
+        const auto id = addWord(book, "run", "I run.").wordID;
+        addWord(book, "go");
+        book.review(id, Rating::good, FSRSScheduler::standard(0.9), day(0));
+        book.cacheExplanation({"跑", "", {}}, "key", day(0));
+        backUpBook(book, path, backup, Overwrite::no);
+        original = test::dump(path);
+    }
+
+    /// What `call` throws.
+    static std::string failure(const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const BackupError& error) {
+            return error.what();
+        } catch (const FileError& error) {
+            return error.what();
+        }
+        return "nothing";
+    }
+
+    std::set<std::string> files() {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(directory.path()))
+            names.insert(entry.path().filename());
+        return names;
+    }
+
+    std::string backup = directory.file("backup.sqlite");
+    std::string original;
+};
+
+TEST_F(BackupTest, aBackupHoldsEverythingAndComesBackWhileAnotherProgramHasTheBookOpen) {
+    EXPECT_EQ(test::dump(backup), original);
+    EXPECT_EQ(checkBook(backup), (BookCounts{2, 2, 1}));
+    VocabularyStore other(path);
+    addWord(other, "new", "Something new.");
+    other.delete_(1);
+    const std::string changed = test::dump(path);
+
+    const auto [counts, kept] = restoreBook(backup, path, day(0));
+    EXPECT_EQ(counts, (BookCounts{2, 2, 1}));
+    EXPECT_EQ(test::dump(path), original);
+    EXPECT_EQ(test::dump(kept.value().string()), changed) << "the book before stands aside";
+    EXPECT_EQ(other.items("").size(), 2U) << "the open book has the restored words";
+    EXPECT_TRUE(addWord(other, "later").isNewWord);
+    EXPECT_EQ(VocabularyStore(path).wordCount(), 3);
+    EXPECT_NE(restoreBook(backup, path, day(0)).kept, kept) << "nothing kept is overwritten";
+}
+
+TEST_F(BackupTest, aBackupTakenWhileAnotherThreadSavesIsOneMoment) {
+    VocabularyStore book(path);
+    std::atomic<bool> isDone = false;
+    std::jthread writer([&] {
+        VocabularyStore own(path);
+        for (int i = 0; !isDone; ++i)
+            addWord(own, std::to_string(i), "Sentence.");
+    });
+    for (int round = 0; round < 5; ++round) {
+        const auto counts = backUpBook(book, path, backup, Overwrite::yes);
+        EXPECT_EQ(counts.words, counts.encounters);
+    }
+    isDone = true;
+}
+
+TEST_F(BackupTest, aBackupNeverReplacesAFileUnaskedOrTheBookItself) {
+    VocabularyStore book(path);
+    const auto backUp = [&](const std::string& target, Overwrite overwrite) {
+        return failure([&] { backUpBook(book, path, target, overwrite); });
+    };
+    EXPECT_THAT(backUp(backup, Overwrite::no), HasSubstr("已经存在"));
+    fs::create_symlink(path, directory.file("link"));
+    for (const std::string& own : {path, path + "-wal", directory.file("link")})
+        EXPECT_THAT(backUp(own, Overwrite::yes), HasSubstr("就是生词本自己")) << own;
+    EXPECT_THAT(backUp(directory.file("none/x"), Overwrite::no), HasSubstr("none"));
+    EXPECT_THAT(backUp(directory.path(), Overwrite::yes), HasSubstr("不是普通文件"));
+    EXPECT_EQ(test::dump(path), original);
+    const std::string told = test::inChild({.maxFileSize = 9000}, [&] {
+        return failure([&] { backUpBook(book, path, backup, Overwrite::yes); });
+    });
+    EXPECT_THAT(told, HasSubstr("磁盘空间"));
+    EXPECT_EQ(test::dump(backup), original) << "the older backup is still there";
+}
+
+TEST_F(BackupTest, aBackupThatIsNotWholeIsRefusedAndTheBookStays) {
+    const std::string whole = test::readFile(backup);
+    const std::string bad = directory.file("bad.sqlite");
+    const auto restore = [&] { return failure([&] { restoreBook(bad, path, day(0)); }); };
+    EXPECT_THAT(restore(), HasSubstr("没有"));
+    test::writeFile(bad, "");
+    EXPECT_THAT(restore(), HasSubstr("不是 Tavik 的生词本"));
+    test::writeFile(bad, whole.substr(0, whole.size() / 2));
+    EXPECT_THAT(restore(), HasSubstr("损坏"));
+    std::string torn = whole;
+    torn.replace(4096 * 2, 4096, std::string(4096, '\xA5'));
+    test::writeFile(bad, torn);
+    EXPECT_THAT(restore(), HasSubstr("损坏"));
+    test::writeFile(bad, whole);
+    SQLiteDB(bad, false).execute("PRAGMA foreign_keys=OFF; DELETE FROM word WHERE id = 1");
+    EXPECT_THAT(restore(), HasSubstr("损坏")) << "sentences without their word";
+    SQLiteDB(bad, false).execute("PRAGMA user_version = 2");
+    EXPECT_THAT(restore(), HasSubstr("升级"));
+    EXPECT_THAT(failure([&] { restoreBook(path, path, day(0)); }), HasSubstr("不必恢复"));
+    EXPECT_EQ(test::dump(path), original);
+    EXPECT_EQ(files().count("tavik.sqlite.part"), 0U);
+}
+
+TEST_F(BackupTest, aDamagedEmptiedOrMissingBookIsReplacedAndKeptAsItWas) {
+    test::writeFile(path, std::string(5000, 'x'));
+    const auto damaged = restoreBook(backup, path, day(1));
+    EXPECT_EQ(test::readFile(damaged.kept.value()), std::string(5000, 'x'));
+    EXPECT_EQ(test::dump(path), original);
+
+    test::writeFile(path, "");
+    test::writeFile(path + "-wal", "the last words");
+    const auto emptied = restoreBook(backup, path, day(2));
+    EXPECT_EQ(test::readFile(emptied.kept.value().string() + "-wal"), "the last words");
+    EXPECT_EQ(test::dump(path), original);
+
+    for (const char* const ending : {"", "-wal", "-shm"})
+        fs::remove(path + ending);
+    EXPECT_EQ(restoreBook(backup, path, day(3)).kept, std::nullopt);
+    EXPECT_EQ(test::dump(path), original);
+}
+
+TEST_F(BackupTest, aRestoreThatCannotWriteChangesNothing) {
+    const auto known = files();
+    const std::string full = test::inChild(
+        {.maxFileSize = 9000}, [&] { return failure([&] { restoreBook(backup, path, day(0)); }); });
+    EXPECT_THAT(full, HasSubstr("磁盘空间"));
+    SQLiteDB other(path, false);
+    other.execute("BEGIN IMMEDIATE");
+    EXPECT_THROW(restoreBook(backup, path, day(0)), SQLiteDB::Error);
+    other.execute("ROLLBACK");
+    EXPECT_EQ(test::dump(path), original);
+    for (const std::string& name : files())
+        EXPECT_TRUE(known.contains(name) || name.starts_with("tavik.sqlite-")) << name;
+}
+
+} // namespace
+} // namespace tavik
