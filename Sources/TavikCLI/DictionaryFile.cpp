@@ -2,6 +2,7 @@
 
 #include "Base/ResourceFile.h"
 
+#include <iostream>
 #include <stdexcept>
 
 namespace tavik {
@@ -24,6 +25,16 @@ std::unique_ptr<OfflineDictionary> openDictionary(const std::string& path) {
                                  + error.message + "）");
     }
     return dictionary;
+}
+
+std::unique_ptr<OfflineDictionary> openDictionaryIfAny(const std::string& path) {
+    if (!path.empty()) return openDictionary(path);
+    try {
+        return openDictionary(path);
+    } catch (const std::runtime_error& error) {
+        std::cerr << "提示：" << error.what() << '\n';
+        return nullptr;
+    }
 }
 
 } // namespace tavik

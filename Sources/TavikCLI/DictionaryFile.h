@@ -11,4 +11,8 @@ namespace tavik {
 /// a Chinese sentence that tells what is wrong and what to do.
 std::unique_ptr<OfflineDictionary> openDictionary(const std::string& path);
 
+/// The same for commands that do without: when there is no dictionary at the default place,
+/// nothing.
+std::unique_ptr<OfflineDictionary> openDictionaryIfAny(const std::string& path);
+
 } // namespace tavik

@@ -14,15 +14,16 @@
 
 namespace tavik {
 
-LookupCommand::LookupCommand(CLI::App& app) {
-    CLI::App* command = addCommand(app, "lookup", "查单词或短语的释义、变形和例句");
-    command->add_option("词", words, "要查的单词或短语；省略时从标准输入读，每行一个");
-    command->add_option("--sentence", sentence, "单词所在的句子或段落，结果里会标出它")
+LookupCommand::LookupCommand(CLI::App& app)
+    : Command(app, "lookup", "查单词或短语的释义、变形和例句") {
+    options().add_option("词", words, "要查的单词或短语；省略时从标准输入读，每行一个");
+    options()
+        .add_option("--sentence", sentence, "单词所在的句子或段落，结果里会标出它")
         ->option_text("文字");
-    command->add_option("--dictionary", dictionaryPath, "改用这个词典文件")->option_text("文件");
-    command->add_flag("--json", asJSON, "每个结果输出一行 JSON");
-    command->footer("几个词先合起来当作短语查；词典里没有这个短语时，逐个查。\n"
-                    "退出码：0 都查到了，2 有没查到的，1 出错。");
+    addDictionaryOption(dictionaryPath);
+    addJSONFlag(asJSON, "每个结果输出一行 JSON");
+    options().footer("几个词先合起来当作短语查；词典里没有这个短语时，逐个查。\n"
+                     "退出码：0 都查到了，2 有没查到的，1 出错。");
 }
 
 int LookupCommand::run() const {

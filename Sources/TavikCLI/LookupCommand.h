@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "TavikCLI/Command.h"
 
 #include <iosfwd>
 #include <string>
@@ -11,13 +11,12 @@ namespace tavik {
 class OfflineDictionary;
 
 /// `lookup`: words and phrases from the command line or, without any, lines of standard input.
-class LookupCommand {
+class LookupCommand final : public Command {
 public:
-    /// Adds the command to `app`; the command must outlive the parse.
     explicit LookupCommand(CLI::App& app);
 
     /// `exitOK` when everything was found, `exitNotFound` when something was not.
-    int run() const;
+    int run() const override;
 
 private:
     int lookUpArguments(const OfflineDictionary& dictionary) const;

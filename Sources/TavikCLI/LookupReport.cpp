@@ -2,8 +2,9 @@
 
 #include "Dictionary/DictionaryJSON.h"
 #include "Dictionary/DictionaryLabels.h"
+#include "TavikCLI/JSONLine.h"
+#include "TavikTerminal/Report.h"
 #include "Text/CharacterClasses.h"
-#include "Text/LineWrap.h"
 #include "Text/Unicode.h"
 
 #include <nlohmann/json.hpp>
@@ -15,8 +16,6 @@ namespace {
 
 constexpr std::size_t maxSentenceCharacters = 400;
 constexpr std::size_t maxDefinitions = 5;
-constexpr std::size_t maxLineColumns = 100;
-constexpr std::size_t minLineColumns = 20;
 
 std::vector<std::string> knownForms(const WordLookup& lookup) {
     std::vector<std::string> forms{lookup.selection};
@@ -29,46 +28,16 @@ std::vector<std::string> knownForms(const WordLookup& lookup) {
     return forms;
 }
 
-/// Builds the report line by line, wrapped and indented for the terminal.
-class Report {
-public:
-    explicit Report(const Terminal& terminal) : terminal(terminal) {}
-
-    /// One line as it is; `styledText` holds no text from outside that is not printable.
-    void line(const std::string& styledText) { text += styledText + '\n'; }
-
-    void paragraph(std::string_view content, std::size_t indent,
-                   TextStyle style = TextStyle::plain) {
-        const std::size_t columns = std::min(terminal.columns, maxLineColumns);
-        const std::size_t room =
-            columns > indent + minLineColumns ? columns - indent : minLineColumns;
-        for (const std::string& wrapped : wrappedLines(printable(content), room))
-            line(std::string(indent, ' ') + inStyle(style, wrapped));
-    }
-
-    void heading(std::string_view title) { line(inStyle(TextStyle::faint, title)); }
-
-    std::string inStyle(TextStyle style, std::string_view content) const {
-        return styled(terminal, style, content);
-    }
-
-    std::string finished() { return std::move(text); }
-
-private:
-    const Terminal& terminal;
-    std::string text;
-};
-
 std::string headline(const Report& report, const DictEntry& entry) {
-    std::string line = report.inStyle(TextStyle::bold, printable(entry.word));
+    std::string line = report.inStyle(TextStyle::bold, entry.word);
     if (!entry.phonetic.empty())
-        line += "  " + report.inStyle(TextStyle::faint, '/' + printable(entry.phonetic) + '/');
+        line += "  " + report.inStyle(TextStyle::faint, '/' + entry.phonetic + '/');
     std::string marks;
     for (int star = 0; star < std::min(entry.collins, 5); ++star)
         marks += "★";
     if (entry.oxford) marks += " 牛津核心";
     for (const std::string& tag : entry.tags)
-        marks += ' ' + printable(tagLabel(tag));
+        marks.append(" ").append(tagLabel(tag));
     const std::string_view shown = trimmed(marks, isWhiteSpace);
     return shown.empty() ? line : line + "  " + report.inStyle(TextStyle::faint, shown);
 }
@@ -122,9 +91,7 @@ void addContext(Report& report, const SentenceContext& context) {
         return;
     }
     const auto& [before, match, after] = *context.highlight;
-    report.line("  " + printable(before)
-                + report.inStyle(TextStyle::accent, '[' + printable(match) + ']')
-                + printable(after));
+    report.marked(before, match, after, 2);
 }
 
 } // namespace
@@ -155,7 +122,7 @@ std::string lookupJSON(const WordLookup& lookup, const std::optional<SentenceCon
     json["entry"] = nullptr;
     if (lookup.entry) json["entry"] = nlohmann::json(*lookup.entry);
     json["examples"] = nlohmann::json(lookup.examples);
-    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return jsonLine(json);
 }
 
 std::string lookupText(const WordLookup& lookup, const std::optional<SentenceContext>& context,
@@ -164,7 +131,7 @@ std::string lookupText(const WordLookup& lookup, const std::optional<SentenceCon
     if (lookup.entry)
         addEntry(report, lookup);
     else
-        report.line(report.inStyle(TextStyle::bold, printable(lookup.selection)) + "  "
+        report.line(report.inStyle(TextStyle::bold, lookup.selection) + "  "
                     + reasonForNothing(lookup));
     addExamples(report, lookup.examples);
     if (context) addContext(report, *context);
