@@ -24,8 +24,13 @@ void printHeading(std::string_view title, std::string_view columns) {
 }
 
 void printBudget(std::string_view statistic, double value, double budget) {
-    std::printf("  %s (%.*s of %.0f)", value <= budget ? "within" : "OVER",
+    std::printf("  %s (%.*s of %g)", value <= budget ? "within" : "OVER",
                 static_cast<int>(statistic.size()), statistic.data(), budget);
+}
+
+void printLeast(std::string_view statistic, double value, double least) {
+    std::printf("  %s (%.*s of at least %g)", value >= least ? "within" : "UNDER",
+                static_cast<int>(statistic.size()), statistic.data(), least);
 }
 
 } // namespace tavik

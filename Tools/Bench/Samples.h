@@ -48,4 +48,7 @@ void printHeading(std::string_view title, std::string_view columns);
 /// "within" or "OVER", with the budget.
 void printBudget(std::string_view statistic, double value, double budget);
 
+/// "within" or "UNDER", with what the value should be at least.
+void printLeast(std::string_view statistic, double value, double least);
+
 } // namespace tavik
