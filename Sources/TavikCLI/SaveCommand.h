@@ -23,7 +23,7 @@ private:
     int saveLines(VocabularyStore& book, const OfflineDictionary* dictionary,
                   std::istream& input) const;
     int save(VocabularyStore& book, const OfflineDictionary* dictionary, std::string_view selection,
-             std::string_view sentence) const;
+             std::string_view text) const;
 
     std::vector<std::string> words;
     std::string sentence;

@@ -40,7 +40,7 @@ std::size_t endOfKey(std::string_view typed, std::size_t at) {
 
 KeyReader::KeyReader() {
     const sigset_t set = endingSignals();
-    sigprocmask(SIG_BLOCK, &set, nullptr);
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
     signals = signalfd(-1, &set, SFD_CLOEXEC);
     termios settings{};
     if (tcgetattr(STDIN_FILENO, &settings) != 0) return;
@@ -55,7 +55,7 @@ KeyReader::~KeyReader() {
     if (original) tcsetattr(STDIN_FILENO, TCSADRAIN, &*original);
     close(signals);
     const sigset_t set = endingSignals();
-    sigprocmask(SIG_UNBLOCK, &set, nullptr);
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }
 
 std::optional<char> KeyReader::next() {

@@ -40,7 +40,7 @@ std::string Report::inStyle(TextStyle style, std::string_view content) const {
 }
 
 std::string Report::clipped(std::string_view content, std::size_t columns) const {
-    const std::string whole = printable(content);
+    std::string whole = printable(content);
     if (!terminal.isInteractive || displayWidth(whole) <= columns) return whole;
     std::string clip;
     for (std::size_t offset = 0; offset < whole.size();) {

@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
-#include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 namespace tavik {
 namespace {
@@ -21,22 +21,25 @@ using testing::Not;
 
 class BookCommandTest : public testing::Test {
 protected:
-    BookCommandTest() {
-        test::makeSampleDictionary(dictionary);
-        setenv("TAVIK_DATA_DIR", data.c_str(), 1);
-    }
+    BookCommandTest() { test::makeSampleDictionary(dictionary); }
 
-    ~BookCommandTest() override { unsetenv("TAVIK_DATA_DIR"); }
-
-    test::ProcessResult run(std::vector<std::string> arguments, const std::string& input = {}) {
-        for (const char* const command : {"save", "show", "delete", "review"})
-            if (arguments.front() == command)
+    /// The program on the book in `data`, with the sample dictionary where it takes one.
+    std::vector<std::string> command(std::vector<std::string> arguments) const {
+        for (const char* const withDictionary : {"save", "show", "delete", "review"})
+            if (arguments.front() == withDictionary)
                 arguments.insert(arguments.begin() + 1, {"--dictionary", dictionary});
-        arguments.insert(arguments.begin(), TAVIK_CLI);
-        return test::runProcess(arguments, input);
+        arguments.insert(arguments.begin(), {"/usr/bin/env", "TAVIK_DATA_DIR=" + data, TAVIK_CLI});
+        return arguments;
     }
 
-    json item(const std::string& word) { return json::parse(run({"show", "--json", word}).output); }
+    test::ProcessResult run(const std::vector<std::string>& arguments,
+                            const std::string& input = {}) const {
+        return test::runProcess(command(arguments), input);
+    }
+
+    json item(const std::string& word) const {
+        return json::parse(run({"show", "--json", word}).output);
+    }
 
     test::TemporaryDirectory directory;
     std::string dictionary = directory.file("dict.sqlite");
@@ -75,6 +78,22 @@ TEST_F(BookCommandTest, standardInputSavesAWordALineWithItsSentence) {
     EXPECT_EQ(json::parse(run({"stats", "--json"}).output)["states"]["new"], 3);
 }
 
+TEST_F(BookCommandTest, manyProgramsMayCreateAndFillOneBookAtOnce) {
+    constexpr int programs = 8;
+    for (int round = 0; round < 5; ++round) {
+        std::filesystem::remove_all(data);
+        std::vector<std::jthread> threads;
+        for (int program = 0; program < programs; ++program)
+            threads.emplace_back([this, program] {
+                const auto saved =
+                    run({"save", "word" + std::string(1, static_cast<char>('a' + program))});
+                EXPECT_EQ(saved.exitCode, 0) << saved.errors;
+            });
+        threads.clear();
+        EXPECT_EQ(json::parse(run({"stats", "--json"}).output)["wordCount"], programs);
+    }
+}
+
 TEST_F(BookCommandTest, theBookIsPrivateAndItsTroublesAreChineseSentences) {
     run({"save", "run"});
 
@@ -86,7 +105,7 @@ TEST_F(BookCommandTest, theBookIsPrivateAndItsTroublesAreChineseSentences) {
     const auto damaged = run({"list"});
     EXPECT_EQ(damaged.exitCode, 1);
     EXPECT_THAT(damaged.errors, HasSubstr("已损坏"));
-    setenv("TAVIK_DATA_DIR", "/proc/nowhere", 1);
+    data = "/proc/nowhere";
     EXPECT_THAT(run({"due"}).errors, HasSubstr("TAVIK_DATA_DIR"));
 }
 
@@ -119,16 +138,17 @@ TEST_F(BookCommandTest, aReviewMayBeLeftAndGoneOnWithTheOtherScheduler) {
 
 TEST_F(BookCommandTest, inATerminalKeysAreReadAtOnceAndTheTerminalIsLeftAsItWas) {
     run({"save"}, "run\nmice\n");
-    const std::vector<std::string> command{TAVIK_CLI, "review", "--dictionary", dictionary};
     // The key Home, whose sequence holds a digit, is no rating; Ctrl+C ends the session.
     const auto left = test::runInTerminal(
-        command, {{"结束）", " \x1b[1~"}, {"太简单", "\x1b[1~3"}, {"2 / 2", "\x03"}});
+        command({"review"}), {{"结束）", " \x1b[1~"}, {"太简单", "\x1b[1~3"}, {"2 / 2", "\x03"}});
     EXPECT_THAT(left.screen, AllOf(HasSubstr("本次复习了 1 次"), HasSubstr("还有 1 个")));
     EXPECT_EQ(left.exitCode, 0);
     EXPECT_TRUE(left.isRestored);
     EXPECT_EQ(item("run")["card"]["reps"], 1);
     const auto killed = test::runInTerminal(
-        {"/bin/sh", "-c", "(sleep 0.3; kill -TERM $$) & exec " TAVIK_CLI " review"}, {});
+        {"/bin/sh", "-c",
+         "(sleep 0.3; kill -TERM $$) & TAVIK_DATA_DIR='" + data + "' exec " TAVIK_CLI " review"},
+        {});
     EXPECT_THAT(killed.screen, HasSubstr("还有 1 个没有复习")) << "ended in order";
     EXPECT_TRUE(killed.isRestored);
 }

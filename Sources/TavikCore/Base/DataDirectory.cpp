@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
 
 namespace tavik {
@@ -18,7 +19,10 @@ std::optional<std::string> environmentVariable(const char* name) {
 fs::path homeDirectory(const EnvironmentReader& environment) {
     const std::string home = environment("HOME").value_or("");
     if (!home.empty()) return home;
-    const passwd* const user = getpwuid(getuid());
+    passwd entry{};
+    passwd* user = nullptr;
+    std::array<char, 16384> texts{};
+    getpwuid_r(getuid(), &entry, texts.data(), texts.size(), &user);
     return user == nullptr ? "/" : user->pw_dir;
 }
 

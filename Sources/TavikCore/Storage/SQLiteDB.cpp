@@ -5,12 +5,14 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <thread>
 
 namespace tavik {
 namespace {
 
-constexpr int busyTimeoutMilliseconds = 3000;
+constexpr std::chrono::milliseconds busyTimeout(3000);
 
 /// SQLite counts the memory it uses, under a lock, at every allocation; nobody asks for the count.
 void configureOnce() {
@@ -64,6 +66,22 @@ SQLiteDB::Error stepError(sqlite3* handle) {
     return SQLiteDB::Error::step(sqlite3_errmsg(handle), lastCause(handle));
 }
 
+/// While another program is creating the same file, SQLite refuses this switch at once, where for
+/// any other lock it would wait.
+void enterWriteAheadLog(SQLiteDB& db) {
+    constexpr std::chrono::milliseconds pause(5);
+    const auto deadline = std::chrono::steady_clock::now() + busyTimeout;
+    for (;;) {
+        try {
+            return db.execute("PRAGMA journal_mode=WAL");
+        } catch (const SQLiteDB::Error& error) {
+            const bool mayWait = std::chrono::steady_clock::now() + pause < deadline;
+            if (error.cause != SQLiteDB::Error::Cause::busy || !mayWait) throw;
+        }
+        std::this_thread::sleep_for(pause);
+    }
+}
+
 std::string requiredText(const char* text, std::string_view what) {
     if (text == nullptr) fatal(what);
     return text;
@@ -114,9 +132,9 @@ SQLiteDB::SQLiteDB(const std::string& path, bool readOnly) : handle(nullptr, sql
     if (result != SQLITE_OK)
         throw handle ? Error::open(sqlite3_errmsg(opened), lastCause(opened))
                      : Error::open("unknown");
-    sqlite3_busy_timeout(opened, busyTimeoutMilliseconds);
+    sqlite3_busy_timeout(opened, static_cast<int>(busyTimeout.count()));
     if (!readOnly) {
-        execute("PRAGMA journal_mode=WAL");
+        enterWriteAheadLog(*this);
         execute("PRAGMA foreign_keys=ON");
     }
 }
@@ -129,7 +147,8 @@ void SQLiteDB::execute(const std::string& sql) {
         throw stepError(handle.get());
 }
 
-std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::vector<Value>& args) {
+std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::vector<Value>& args,
+                                           std::size_t maxRows) {
     const std::lock_guard guard(lock);
     sqlite3_stmt* prepared = nullptr;
     if (sqlite3_prepare_v2(handle.get(), sql.c_str(), -1, &prepared, nullptr) != SQLITE_OK)
@@ -142,7 +161,7 @@ std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::ve
 
     std::shared_ptr<const Row::ColumnNames> names;
     std::vector<Row> rows;
-    for (;;) {
+    while (rows.size() < maxRows) {
         switch (sqlite3_step(prepared)) {
         case SQLITE_ROW:
             if (!names) names = columnNames(prepared);
@@ -154,6 +173,7 @@ std::vector<SQLiteDB::Row> SQLiteDB::query(const std::string& sql, const std::ve
             throw stepError(handle.get());
         }
     }
+    return rows;
 }
 
 std::int64_t SQLiteDB::lastInsertRowID() const {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -42,8 +43,12 @@ public:
     /// Runs one or more statements, discarding what they return. A failure is of kind `step`.
     void execute(const std::string& sql);
 
-    /// Runs one statement with positional parameters and returns all its rows in order.
-    std::vector<Row> query(const std::string& sql, const std::vector<Value>& args = {});
+    static constexpr std::size_t allRows = std::numeric_limits<std::size_t>::max();
+
+    /// Runs one statement with positional parameters and returns its rows in order. With fewer than
+    /// `allRows` wanted, the rest are not even looked for; that is for statements that only read.
+    std::vector<Row> query(const std::string& sql, const std::vector<Value>& args = {},
+                           std::size_t maxRows = allRows);
 
     /// Runs `body` inside BEGIN IMMEDIATE … COMMIT and returns its result. When the body or the
     /// commit throws, everything is rolled back and that first error is passed on.

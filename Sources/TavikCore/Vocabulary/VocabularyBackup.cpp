@@ -13,6 +13,7 @@
 #include <cctype>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace tavik {
 namespace fs = std::filesystem;
@@ -117,10 +118,11 @@ void replaceRows(const fs::path& book, const fs::path& from, const fs::path& kep
         });
         checkBook(copy.path());
         copy.commit();
-        // First the tables that refer to others, so that no row has to look for its dependants.
-        for (auto table = VocabularySchema::tables.rbegin();
-             table != VocabularySchema::tables.rend(); ++table)
-            db.execute("DELETE FROM main." + std::string(table->name));
+        // Else every row would look for its dependants.
+        const std::vector dependantsFirst(VocabularySchema::tables.rbegin(),
+                                          VocabularySchema::tables.rend());
+        for (const auto& [name, columns] : dependantsFirst)
+            db.execute("DELETE FROM main." + std::string(name));
         for (const auto& [name, columns] : VocabularySchema::tables)
             db.execute("INSERT INTO main." + std::string(name) + " (" + std::string(columns)
                        + ") SELECT " + std::string(columns) + " FROM source." + std::string(name));

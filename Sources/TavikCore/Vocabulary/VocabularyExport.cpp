@@ -20,12 +20,13 @@ std::string orEmpty(const std::optional<std::string>& text) {
 }
 
 bool looksLikeFormula(std::string_view cell) {
-    return !cell.empty() && std::string_view("=+-@\t\r").find(cell.front()) != cell.npos;
+    return !cell.empty()
+           && std::string_view("=+-@\t\r").find(cell.front()) != std::string_view::npos;
 }
 
 /// By RFC 4180.
 std::string csvCell(const std::string& text) {
-    const std::string cell = (looksLikeFormula(text) ? "'" : "") + text;
+    std::string cell = (looksLikeFormula(text) ? "'" : "") + text;
     if (cell.find_first_of(",\"\r\n") == std::string::npos) return cell;
     return '"' + replacingAll(cell, "\"", "\"\"") + '"';
 }

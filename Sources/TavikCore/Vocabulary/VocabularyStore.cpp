@@ -181,14 +181,16 @@ std::optional<VocabItem> VocabularyStore::item(std::int64_t wordID) const {
 std::vector<VocabItem> VocabularyStore::itemsWhere(const std::string& clause,
                                                    const std::vector<Value>& args) const {
     const Date now = currentDate();
+    const std::string encounters = VocabularySQL::encounters;
     const auto rows = db.query(VocabularySQL::items + clause, args);
     std::vector<VocabItem> items;
     items.reserve(rows.size());
     for (const auto& row : rows) {
         VocabItem& item = items.emplace_back(VocabularyRows::item(row, now));
-        const auto encounters = db.query(VocabularySQL::encounters, {item.word.id});
-        if (!encounters.empty())
-            item.latest = VocabularyRows::encounter(encounters.front(), item.word.id, now);
+        // The newest comes first.
+        const auto latest = db.query(encounters, {item.word.id}, 1);
+        if (!latest.empty())
+            item.latest = VocabularyRows::encounter(latest.front(), item.word.id, now);
     }
     return items;
 }

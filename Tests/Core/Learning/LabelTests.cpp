@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <limits>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace tavik {
 namespace {
@@ -17,7 +19,7 @@ std::string after(double seconds) {
 
 TEST(IntervalLabel, changesItsUnitExactlyAtTheBoundaries) {
     constexpr double day = secondsPerDay;
-    const std::pair<double, const char*> cases[] = {
+    const std::vector<std::pair<double, std::string_view>> cases{
         {-1e18, "1 分钟后"},      {10, "1 分钟后"},           {90, "2 分钟后"},
         {3580, "60 分钟后"},      {3599.9, "60 分钟后"},      {3600, "1 小时后"},
         {85200, "24 小时后"},     {86399, "24 小时后"},       {86400, "1 天后"},
@@ -47,6 +49,31 @@ TEST(DueLabel, countsDaysOnTheCalendarNotInHours) {
     EXPECT_EQ(label({2026, 4, 2}, 9, 0), "5 天后");
     EXPECT_EQ(label({2026, 4, 27}, 9, 0), "30 天后");
     EXPECT_EQ(label({2026, 4, 28}, 9, 0), "2026年4月28日");
+}
+
+TEST(DueLabel, holdsInEveryZoneOverItsChangesAndInAnyYear) {
+    struct Change {
+        const char* zone;
+        Calendar::Day day;
+    };
+
+    for (const auto& [zone, day] :
+         {Change{"Europe/London", {2026, 10, 25}}, Change{"America/New_York", {2038, 3, 14}},
+          Change{"Australia/Lord_Howe", {2045, 10, 1}}, Change{"America/Santiago", {2026, 9, 6}},
+          Change{"Asia/Shanghai", {2100, 2, 28}}}) {
+        const Calendar calendar(zone);
+        const Date dawn = calendar.date(day, 4, 0);
+        const auto label = [&](int days, int hour) {
+            return dueLabel(calendar.date({day.year, day.month, day.day + days}, hour, 30), dawn,
+                            calendar);
+        };
+        EXPECT_EQ(label(0, 23), "今天 23:30") << zone;
+        EXPECT_EQ(label(1, 0), "明天") << zone;
+        EXPECT_EQ(label(2, 0), "2 天后") << zone;
+        EXPECT_EQ(label(30, 23), "30 天后") << zone;
+        EXPECT_EQ(dueLabel(dawn, calendar.startOfDay(dawn, -1), calendar), "明天") << "set back";
+        EXPECT_EQ(label(-1, 23), "现在") << zone;
+    }
 }
 
 } // namespace

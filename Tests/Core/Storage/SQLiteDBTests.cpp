@@ -171,6 +171,15 @@ TEST_F(SQLiteDBTest, theFirstErrorOfATransactionIsTheOneThatIsReported) {
     EXPECT_EQ(count(), 1);
 }
 
+TEST_F(SQLiteDBTest, noMoreRowsAreReadThanWanted) {
+    db.execute("CREATE TABLE t(x); INSERT INTO t VALUES('[1]'), ('[2]'), ('no JSON')");
+    const char* const sql = "SELECT json_extract(x, '$[0]') AS n FROM t";
+    EXPECT_EQ(db.query(sql, {}, 2).back().int_("n"), 2);
+    EXPECT_EQ(db.query(sql, {}, 0).size(), 0U);
+    EXPECT_EQ(errorOf([&] { db.query(sql); }).kind, SQLiteDB::Error::Kind::step);
+    db.transaction([&] { db.execute("DELETE FROM t"); });
+}
+
 TEST_F(SQLiteDBTest, transactionsOfTwoThreadsNeverInterleave) {
     db.execute("CREATE TABLE t(writer INTEGER)");
     constexpr int transactions = 50;

@@ -115,7 +115,8 @@ TEST_F(BackupTest, aBackupThatIsNotWholeIsRefusedAndTheBookStays) {
     test::writeFile(bad, whole.substr(0, whole.size() / 2));
     EXPECT_THAT(restore(), HasSubstr("损坏"));
     std::string torn = whole;
-    torn.replace(4096 * 2, 4096, std::string(4096, '\xA5'));
+    constexpr std::size_t page = 4096;
+    torn.replace(2 * page, page, std::string(page, '\xA5'));
     test::writeFile(bad, torn);
     EXPECT_THAT(restore(), HasSubstr("损坏"));
     test::writeFile(bad, whole);

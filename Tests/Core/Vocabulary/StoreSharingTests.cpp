@@ -60,25 +60,6 @@ TEST_F(StoreSharingTest, readersAndWritersOfOneStoreNeverSeeHalfASave) {
     EXPECT_EQ(changes, writers * rounds * 5 / 2);
 }
 
-TEST_F(StoreSharingTest, manyProgramsMayCreateAndFillOneBookAtOnce) {
-    constexpr int programs = 6;
-    constexpr int words = 20;
-    std::vector<std::jthread> threads;
-    for (int program = 0; program < programs; ++program)
-        threads.emplace_back([&, program] {
-            VocabularyStore book(path);
-            for (int word = 0; word < words; ++word) {
-                addWord(book, "shared" + std::to_string(word), "From " + std::to_string(program));
-                addWord(book, std::to_string(program) + "-" + std::to_string(word));
-            }
-        });
-    threads.clear();
-    const VocabularyStore book(path);
-    EXPECT_EQ(book.wordCount(), words * (programs + 1));
-    for (const VocabItem& item : book.items("shared"))
-        EXPECT_EQ(item.encounterCount, programs);
-}
-
 /// A program that saves and reviews words as fast as it can and says so after each, until it is
 /// killed.
 class BusyProgram {
