@@ -57,10 +57,12 @@ TEST(DueLabel, holdsInEveryZoneOverItsChangesAndInAnyYear) {
         Calendar::Day day;
     };
 
-    for (const auto& [zone, day] :
+    for (const Change& change :
          {Change{"Europe/London", {2026, 10, 25}}, Change{"America/New_York", {2038, 3, 14}},
           Change{"Australia/Lord_Howe", {2045, 10, 1}}, Change{"America/Santiago", {2026, 9, 6}},
           Change{"Asia/Shanghai", {2100, 2, 28}}}) {
+        const char* const zone = change.zone;
+        const Calendar::Day day = change.day;
         const Calendar calendar(zone);
         const Date dawn = calendar.date(day, 4, 0);
         const auto label = [&](int days, int hour) {

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -73,20 +74,15 @@ public:
             work(path, round, ends[1]);
         }
         close(ends[1]);
-        reading = fdopen(ends[0], "r");
+        reading.reset(fdopen(ends[0], "r"));
     }
-
-    ~BusyProgram() { static_cast<void>(std::fclose(reading)); }
-
-    BusyProgram(const BusyProgram&) = delete;
-    BusyProgram& operator=(const BusyProgram&) = delete;
 
     /// Kills it after `count` acknowledgements and `delay`; every acknowledgement it gave.
     std::vector<std::string> killAfter(int count, std::chrono::microseconds delay) {
         std::vector<std::string> lines;
         std::array<char, 64> line{};
         bool isKilled = false;
-        while (std::fgets(line.data(), line.size(), reading) != nullptr) {
+        while (std::fgets(line.data(), line.size(), reading.get()) != nullptr) {
             lines.emplace_back(line.data());
             lines.back().pop_back();
             if (isKilled || static_cast<int>(lines.size()) < count) continue;
@@ -120,7 +116,7 @@ private:
     }
 
     pid_t child = -1;
-    std::FILE* reading = nullptr;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> reading{nullptr, std::fclose};
 };
 
 TEST_F(StoreSharingTest, whatWasAcknowledgedOutlivesAKilledProgram) {
