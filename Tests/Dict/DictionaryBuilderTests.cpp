@@ -89,7 +89,7 @@ TEST_F(DictionaryBuilderTest, malformedLinesAreSkippedAndReportedWithTheirNumber
 }
 
 TEST_F(DictionaryBuilderTest, theFileIsReadableOnReadOnlyMediaAndItsSourcesAreNamedBesideIt) {
-    test::writeFile(output.string() + ".part", "left by a killed build");
+    test::writeFile(output.string() + ".tavik-part", "left by a killed build");
     buildDictionary(plan(), observer);
     EXPECT_THAT(files(), UnorderedElementsAre("dict.sqlite", "dict-attribution.txt",
                                               "dict-tatoeba-authors.txt"));

@@ -62,8 +62,12 @@ DirectoryLock::~DirectoryLock() {
 }
 
 AsideFile::AsideFile(const std::filesystem::path& target)
-    : target(placeOf(target)), aside(this->target.string() + ".part") {
+    : target(placeOf(target)), aside(placeFor(target)) {
     removeAside();
+}
+
+std::filesystem::path AsideFile::placeFor(const std::filesystem::path& target) {
+    return placeOf(target).string() + ".tavik-part";
 }
 
 AsideFile::~AsideFile() {

@@ -39,6 +39,9 @@ public:
 
     const std::filesystem::path& path() const { return aside; }
 
+    /// Where the file aside of `target` lies.
+    static std::filesystem::path placeFor(const std::filesystem::path& target);
+
     /// Forces the file to disk and puts it in the place of the target. Throws `FileError`.
     void commit();
 

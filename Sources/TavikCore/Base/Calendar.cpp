@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -20,6 +21,19 @@ constexpr double millisecondsPerSecond = 1000;
 std::unique_ptr<icu::TimeZone> makeZone(const std::string& name) {
     return std::unique_ptr<icu::TimeZone>(
         icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name)));
+}
+
+/// The name of the zone that lies `milliseconds` east of Greenwich: "GMT+08:00". Settings such as
+/// TZ=CST-8 say no more than that.
+std::string offsetName(std::int32_t milliseconds) {
+    constexpr int millisecondsPerMinute = 60000;
+    constexpr int minutesPerHour = 60;
+    const int minutes = std::abs(milliseconds) / millisecondsPerMinute;
+    std::array<char, 32> name{};
+    static_cast<void>(std::snprintf(name.data(), name.size(), "GMT%c%02d:%02d",
+                                    milliseconds < 0 ? '-' : '+', minutes / minutesPerHour,
+                                    minutes % minutesPerHour));
+    return name.data();
 }
 
 void require(UErrorCode status) {
@@ -47,8 +61,8 @@ Calendar Calendar::current() {
     icu::UnicodeString name;
     std::string utf8;
     zone->getID(name).toUTF8String(utf8);
-    if (*zone == icu::TimeZone::getUnknown()) utf8 = "UTC";
-    return Calendar(utf8);
+    const bool isNamed = *makeZone(utf8) != icu::TimeZone::getUnknown();
+    return Calendar(isNamed ? utf8 : offsetName(zone->getRawOffset()));
 }
 
 Calendar::WallTime Calendar::wallTime(Date date) const {

@@ -110,6 +110,9 @@ public:
     /// The value as it is stored, or nullptr for a missing column.
     const Value* value(std::string_view column) const;
 
+    /// The values of all columns, in their order.
+    const std::vector<Value>& allValues() const { return values; }
+
 private:
     std::shared_ptr<const ColumnNames> names;
     std::vector<Value> values;

@@ -4,24 +4,56 @@
 
 #include <uriparser/Uri.h>
 
+#include <algorithm>
 #include <charconv>
 #include <memory>
 
 namespace tavik {
 namespace {
 
-std::string escaped(std::string_view text) {
+void appendEscape(std::string& result, char character) {
     constexpr std::string_view digits = "0123456789ABCDEF";
+    const auto byte = static_cast<unsigned char>(character);
+    result += '%';
+    result += digits[byte >> 4U];
+    result += digits[byte & 0xFU];
+}
+
+bool isAlphanumericASCII(char character) {
+    return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'Z')
+           || (character >= 'a' && character <= 'z');
+}
+
+bool isHexDigit(char character) {
+    return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F')
+           || (character >= 'a' && character <= 'f');
+}
+
+bool beginsEscape(std::string_view text) {
+    return text.size() > 2 && text[0] == '%' && isHexDigit(text[1]) && isHexDigit(text[2]);
+}
+
+/// Where the part with the host ends.
+std::size_t endOfAuthority(std::string_view address) {
+    const std::size_t begin = address.find("//");
+    if (begin == std::string_view::npos) return 0;
+    return std::min(address.find_first_of("/?#", begin + 2), address.size());
+}
+
+/// `address` with everything escaped that may not stand where it stands. Programs hand out such
+/// addresses, and browsers take them.
+std::string wellFormed(std::string_view address) {
+    constexpr std::string_view allowed = "-._~:/?#@!$&'()*+,;=";
+    const std::size_t authorityEnd = endOfAuthority(address);
     std::string result;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte > 0x20 && byte < 0x7F) {
+    for (std::size_t i = 0; i < address.size(); ++i) {
+        const char character = address[i];
+        const bool isBracket = character == '[' || character == ']';
+        if (isAlphanumericASCII(character) || allowed.find(character) != std::string_view::npos
+            || (isBracket && i < authorityEnd) || beginsEscape(address.substr(i)))
             result += character;
-            continue;
-        }
-        result += '%';
-        result += digits[byte >> 4U];
-        result += digits[byte & 0xFU];
+        else
+            appendEscape(result, character);
     }
     return result;
 }
@@ -40,7 +72,7 @@ std::string pathOf(const UriUriA& uri) {
 } // namespace
 
 std::optional<URL> URL::parse(std::string_view address) {
-    const std::string text = escaped(address);
+    const std::string text = wellFormed(address);
     UriUriA uri{};
     if (text.empty() || uriParseSingleUriA(&uri, text.c_str(), nullptr) != URI_SUCCESS)
         return std::nullopt;
@@ -55,6 +87,16 @@ std::string URL::lastPathComponent() const {
     const std::size_t start = path.rfind('/', end) + 1;
     const std::string name = path.substr(start, end + 1 - start);
     return percentDecoded(name).value_or(name);
+}
+
+std::string percentEncoded(std::string_view text, std::string_view allowed) {
+    std::string result;
+    for (const char character : text)
+        if (isAlphanumericASCII(character) || allowed.find(character) != std::string_view::npos)
+            result += character;
+        else
+            appendEscape(result, character);
+    return result;
 }
 
 std::optional<std::string> percentDecoded(std::string_view text) {

@@ -15,7 +15,8 @@ struct URL {
     /// As it stands in the address, from its first "/".
     std::string path;
 
-    /// Nothing when `address` is none. Blanks and characters outside ASCII count as escaped.
+    /// Nothing when `address` is none. What should be escaped and is not
+    /// counts as escaped.
     static std::optional<URL> parse(std::string_view address);
 
     bool isFile() const { return scheme == "file"; }
@@ -24,6 +25,9 @@ struct URL {
     /// "/" at the end of the path does not count.
     std::string lastPathComponent() const;
 };
+
+/// `text` with every byte escaped that is no ASCII letter, digit or one of `allowed`.
+std::string percentEncoded(std::string_view text, std::string_view allowed);
 
 /// `text` without its percent-escapes; nothing when one is broken or they give no UTF-8.
 std::optional<std::string> percentDecoded(std::string_view text);

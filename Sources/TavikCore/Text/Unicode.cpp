@@ -70,6 +70,17 @@ std::size_t characterCount(std::string_view text) {
     return characterCount(utf16FromUTF8(text));
 }
 
+std::string firstCharacters(std::string_view text, std::size_t count) {
+    // No honest text has characters of more bytes on average, and the rest may be megabytes.
+    constexpr std::size_t maxBytesPerCharacter = 64;
+    const std::u16string units = utf16FromUTF8(text.substr(0, count * maxBytesPerCharacter));
+    const auto breaks = characterBreaks(units);
+    for (std::size_t i = 0; i < count; ++i)
+        if (breaks->next() == icu::BreakIterator::DONE) return utf8FromUTF16(units);
+    return utf8FromUTF16(
+        std::u16string_view(units).substr(0, static_cast<std::size_t>(breaks->current())));
+}
+
 std::size_t displayWidth(std::string_view text) {
     std::size_t columns = 0;
     for (std::size_t offset = 0; offset < text.size();)

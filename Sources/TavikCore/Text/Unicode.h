@@ -22,6 +22,10 @@ std::string lowercased(std::string_view text);
 std::size_t characterCount(std::u16string_view text);
 std::size_t characterCount(std::string_view text);
 
+/// At most the first `count` user-perceived characters of `text`; ill-formed bytes come out as
+/// U+FFFD.
+std::string firstCharacters(std::string_view text, std::size_t count);
+
 /// The number of terminal columns that `text` takes: two for a wide character, none for a mark.
 std::size_t displayWidth(std::string_view text);
 

@@ -22,7 +22,7 @@ std::string advice(const std::string& book, const SQLiteDB::Error& error) {
         break;
     }
     if (error.message.find("already exists") != std::string::npos)
-        return book + " 上次没有建完，里面还没有单词，请把这个文件移走再试";
+        return book + " 没有建完。如果里面还没有单词，请把这个文件移走再试，否则请从备份恢复";
     return book + " 出错";
 }
 

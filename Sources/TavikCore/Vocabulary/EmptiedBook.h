@@ -5,11 +5,11 @@
 
 namespace tavik {
 
-/// Whether the book's file has been emptied while its "-wal" still holds data. SQLite would delete
-/// that data on opening, and with it the words saved last.
+/// Whether the book's file is empty or missing while its "-wal" still holds data. SQLite would
+/// delete that data on opening, and with it the words saved last.
 bool isEmptiedBook(const std::string& path);
 
-/// The book at `path` is an emptied one and must not be opened. `what()` is a Chinese sentence that
+/// The book at `path` is such a one and must not be opened. `what()` is a Chinese sentence that
 /// tells the user what to do.
 class EmptiedBookError : public std::runtime_error {
 public:

@@ -8,11 +8,16 @@
 #include "Vocabulary/VocabularySchema.h"
 #include "Vocabulary/VocabularyStore.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace tavik {
@@ -21,18 +26,47 @@ namespace fs = std::filesystem;
 namespace {
 
 /// What belongs to a book on the disk, the file itself last.
-constexpr std::array bookEndings{"-wal", "-shm", ""};
+constexpr std::array bookEndings{"-wal", "-shm", "-journal", ""};
 
 bool areSame(const fs::path& one, const fs::path& other) {
     std::error_code error;
     return fs::equivalent(one, other, error);
 }
 
-bool existsAnyPart(const fs::path& book) {
+bool isThere(const fs::path& path) {
     std::error_code ignored;
-    return std::ranges::any_of(bookEndings, [&](const char* ending) {
-        return fs::exists(book.string() + ending, ignored);
-    });
+    return fs::exists(path, ignored);
+}
+
+bool existsAnyPart(const fs::path& book) {
+    return std::ranges::any_of(bookEndings,
+                               [&](const char* ending) { return isThere(book.string() + ending); });
+}
+
+/// Where a book really lies: SQLite, too, follows links, and keeps the log there.
+fs::path placeOf(const fs::path& book) {
+    std::error_code error;
+    fs::path place = fs::weakly_canonical(book, error);
+    return error ? book : place;
+}
+
+/// Whether another program has the book open: it then holds a lock on bytes that SQLite reserves.
+/// A file that cannot be opened here is open to nobody.
+bool isInUse(const fs::path& book) {
+    constexpr off_t reservedBytes = 0x40000000;
+    constexpr off_t reservedByteCount = 512;
+    const int descriptor = open(book.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor < 0) return false;
+
+    struct flock lock {};
+
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = reservedBytes;
+    lock.l_len = reservedByteCount;
+    const bool isKnown = fcntl(descriptor, F_GETLK, &lock) == 0;
+    close(descriptor);
+    return isKnown && lock.l_type != F_UNLCK;
 }
 
 std::int64_t rowCount(SQLiteDB& db, const std::string& table) {
@@ -40,11 +74,10 @@ std::int64_t rowCount(SQLiteDB& db, const std::string& table) {
     return rows.front().int_("n").value_or(0);
 }
 
-/// Whether SQLite finds nothing wrong with the file.
+/// Whether SQLite finds the file itself in order.
 bool isSound(SQLiteDB& db) {
     const auto rows = db.query("PRAGMA integrity_check");
-    return rows.size() == 1 && rows.front().text("integrity_check") == "ok"
-           && db.query("PRAGMA foreign_key_check").empty();
+    return rows.size() == 1 && rows.front().text("integrity_check") == "ok";
 }
 
 BookCounts countRows(SQLiteDB& db) {
@@ -57,15 +90,9 @@ std::int64_t versionOf(SQLiteDB& db) {
     return db.query(VocabularySQL::version).front().int_("user_version").value_or(0);
 }
 
-/// Writes what `source` holds into the new file `target`.
-template<typename Copy>
-void copyInto(const fs::path& target, const Copy& copy) {
-    try {
-        copy(target.string());
-    } catch (const SQLiteDB::Error& error) {
-        throw BackupError("没有复制成 " + target.string() + "，请检查磁盘空间和权限（"
-                          + error.message + "）");
-    }
+BackupError cannotCopy(const fs::path& target, const SQLiteDB::Error& error) {
+    return BackupError("没有复制成 " + target.string() + "，请检查磁盘空间和权限（" + error.message
+                       + "）");
 }
 
 /// "20261121-113852", in UTC.
@@ -88,21 +115,52 @@ fs::path placeAside(const fs::path& book, Date now) {
     return place;
 }
 
-/// Whether the book can be opened and is whole. Throws when the reason why not is no damage.
+/// Whether the book can be opened and its rows replaced. Throws when the reason why not is no
+/// damage.
 bool isUsable(const fs::path& book) {
-    if (!fs::exists(book) || isEmptiedBook(book.string())) return false;
+    if (!isThere(book) || isEmptiedBook(book.string())) return false;
     try {
         SQLiteDB db(book.string(), false);
-        if (versionOf(db) > VocabularySchema::version)
+        const std::int64_t version = versionOf(db);
+        if (version > VocabularySchema::version)
             throw BackupError("现在的生词本 " + book.string()
                               + " 由更新的 Tavik 保存，请先升级 Tavik");
-        if (!isSound(db)) return false;
+        if (version < VocabularySchema::version || !isSound(db)) return false;
         countRows(db);
         return true;
     } catch (const SQLiteDB::Error& error) {
         using Cause = SQLiteDB::Error::Cause;
         if (error.cause == Cause::damaged || error.cause == Cause::other) return false;
         throw;
+    }
+}
+
+std::string insertion(std::string_view table, std::string_view columns) {
+    std::string sql =
+        "INSERT INTO " + std::string(table) + " (" + std::string(columns) + ") VALUES (?";
+    for (const char character : columns)
+        if (character == ',') sql += ",?";
+    return sql + ')';
+}
+
+/// Makes a book at `target` with the rows of the checked `backup`, which is only read. It has this
+/// program's own schema, whatever stands in the backup.
+void makeBook(const fs::path& target, const fs::path& backup) {
+    try {
+        SQLiteDB from(backup.string(), true);
+        SQLiteDB to(target.string(), false);
+        to.execute(VocabularySchema::creation);
+        to.transaction([&] {
+            for (const auto& [name, columns] : VocabularySchema::tables) {
+                const std::string insert = insertion(name, columns);
+                const std::string select =
+                    "SELECT " + std::string(columns) + " FROM " + std::string(name);
+                for (const auto& row : from.query(select))
+                    to.query(insert, row.allValues());
+            }
+        });
+    } catch (const SQLiteDB::Error& error) {
+        throw cannotCopy(target, error);
     }
 }
 
@@ -113,10 +171,11 @@ void replaceRows(const fs::path& book, const fs::path& from, const fs::path& kep
     db.transaction([&] {
         // Nobody else can write now. The copy needs a reader of its own: a transaction cannot copy.
         AsideFile copy(kept);
-        copyInto(copy.path(), [&](const std::string& target) {
-            SQLiteDB(book.string(), true).query("VACUUM INTO ?", {target});
-        });
-        checkBook(copy.path());
+        try {
+            SQLiteDB(book.string(), true).query("VACUUM INTO ?", {copy.path().string()});
+        } catch (const SQLiteDB::Error& error) {
+            throw cannotCopy(kept, error);
+        }
         copy.commit();
         // Else every row would look for its dependants.
         const std::vector dependantsFirst(VocabularySchema::tables.rbegin(),
@@ -130,16 +189,52 @@ void replaceRows(const fs::path& book, const fs::path& from, const fs::path& kep
     db.execute("DETACH source");
 }
 
-void moveAside(const fs::path& book, const fs::path& kept) {
-    for (const char* const ending : bookEndings) {
-        const fs::path part = book.string() + ending;
-        std::error_code error;
-        if (!fs::exists(part, error)) continue;
-        fs::rename(part, kept.string() + ending, error);
-        if (error)
-            throw BackupError("原来的生词本 " + part.string() + " 移不开，请检查目录的权限（"
+/// A book moved aside with all its parts, and moved back at the end of the scope unless it is to
+/// stay there.
+class MovedBook {
+public:
+    MovedBook(fs::path from, fs::path to) : from(std::move(from)), to(std::move(to)) {
+        for (const char* const ending : bookEndings) {
+            if (!isThere(this->from.string() + ending)) continue;
+            std::error_code error;
+            fs::rename(this->from.string() + ending, this->to.string() + ending, error);
+            if (!error) continue;
+            moveBack();
+            throw BackupError("原来的生词本 " + this->from.string() + " 移不开，请检查目录的权限（"
                               + error.message() + "）");
+        }
     }
+
+    ~MovedBook() {
+        if (!stays) moveBack();
+    }
+
+    MovedBook(const MovedBook&) = delete;
+    MovedBook& operator=(const MovedBook&) = delete;
+
+    void keep() { stays = true; }
+
+private:
+    void moveBack() const {
+        std::error_code ignored;
+        for (const char* const ending : bookEndings)
+            if (isThere(to.string() + ending))
+                fs::rename(to.string() + ending, from.string() + ending, ignored);
+    }
+
+    fs::path from;
+    fs::path to;
+    bool stays = false;
+};
+
+/// Puts `copy` in the place of a book that cannot be used any more, and that into `kept`.
+void replaceDamaged(const fs::path& book, AsideFile& copy, const fs::path& kept) {
+    if (isInUse(book))
+        throw BackupError("现在的生词本 " + book.string()
+                          + " 已损坏，但另一个程序正在使用它。请先退出 Tavik 再恢复");
+    MovedBook moved(book, kept);
+    copy.commit();
+    moved.keep();
 }
 
 } // namespace
@@ -156,49 +251,65 @@ BookCounts checkBook(const fs::path& path) {
             throw BackupError(path.string() + " 由更新的 Tavik 保存，请先升级 Tavik");
         if (version < VocabularySchema::version)
             throw BackupError(path.string() + " 不是 Tavik 的生词本");
-        if (!isSound(db)) throw BackupError(path.string() + " 已损坏，不能使用");
+        if (!isSound(db) || !db.query("PRAGMA foreign_key_check").empty())
+            throw BackupError(path.string() + " 已损坏，不能使用");
         return countRows(db);
     } catch (const SQLiteDB::Error& failure) {
+        using Cause = SQLiteDB::Error::Cause;
+        if (failure.cause == Cause::readOnly || failure.cause == Cause::cannotOpen)
+            throw BackupError("打不开 " + path.string() + "，请把它复制到可以写的目录里再试（"
+                              + failure.message + "）");
         throw BackupError(bookFailure(path.string(), failure));
     }
 }
 
+void requireOutsideBook(const fs::path& target, const fs::path& book) {
+    const std::string place = placeOf(book).string();
+    for (const char* const ending : bookEndings)
+        if (areSame(target, place + ending) || placeOf(target) == place + ending)
+            throw BackupError(target.string() + " 就是生词本自己，请换一个文件名");
+}
+
 BookCounts backUpBook(const VocabularyStore& store, const fs::path& book, const fs::path& target,
                       Overwrite overwrite) {
-    for (const char* const ending : bookEndings)
-        if (areSame(target, book.string() + ending))
-            throw BackupError(target.string() + " 就是生词本自己，请换一个文件名");
-    std::error_code ignored;
-    if (overwrite == Overwrite::no && fs::exists(target, ignored))
+    requireOutsideBook(target, book);
+    if (overwrite == Overwrite::no && isThere(target))
         throw BackupError(target.string() + " 已经存在，请换一个文件名，或者加上 --force 覆盖它");
+    for (const char* const ending : {"-wal", "-journal"})
+        if (isThere(placeOf(target).string() + ending))
+            throw BackupError(target.string() + " 旁边有它的 " + ending
+                              + " 文件，可能正被另一个程序使用，请换一个文件名");
     const DirectoryLock lock(directoryOf(target));
     AsideFile copy(target);
-    copyInto(copy.path(), [&](const std::string& file) { store.copyTo(file); });
+    try {
+        store.copyTo(copy.path().string());
+    } catch (const SQLiteDB::Error& error) {
+        throw cannotCopy(target, error);
+    }
     const BookCounts counts = checkBook(copy.path());
     copy.commit();
     return counts;
 }
 
 Restored restoreBook(const fs::path& backup, const fs::path& book, Date now) {
-    if (areSame(backup, book)) throw BackupError(backup.string() + " 就是现在的生词本，不必恢复");
+    const fs::path place = placeOf(book);
+    if (areSame(backup, place)) throw BackupError(backup.string() + " 就是现在的生词本，不必恢复");
+    if (areSame(backup, AsideFile::placeFor(place)))
+        throw BackupError(backup.string() + " 是没有写完的文件，请把它改名再试");
     checkBook(backup);
-    const DirectoryLock lock(directoryOf(book));
-    AsideFile copy(book);
-    copyInto(copy.path(), [&](const std::string& file) {
-        SQLiteDB(backup.string(), true).query("VACUUM INTO ?", {file});
-    });
+    const DirectoryLock lock(directoryOf(place));
+    AsideFile copy(place);
+    makeBook(copy.path(), backup);
     Restored restored{checkBook(copy.path()), std::nullopt};
-    if (!existsAnyPart(book)) {
+    if (!existsAnyPart(place)) {
         copy.commit();
         return restored;
     }
-    restored.kept = placeAside(book, now);
-    if (isUsable(book)) {
-        replaceRows(book, copy.path(), *restored.kept);
-    } else {
-        moveAside(book, *restored.kept);
-        copy.commit();
-    }
+    restored.kept = placeAside(place, now);
+    if (isUsable(place))
+        replaceRows(place, copy.path(), *restored.kept);
+    else
+        replaceDamaged(place, copy, *restored.kept);
     return restored;
 }
 

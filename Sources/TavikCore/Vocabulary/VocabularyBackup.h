@@ -30,6 +30,9 @@ struct BookCounts {
 /// and of a version this program knows.
 BookCounts checkBook(const std::filesystem::path& path);
 
+/// Throws `BackupError` when `target` is the book itself or a part of it, however it is named.
+void requireOutsideBook(const std::filesystem::path& target, const std::filesystem::path& book);
+
 enum class Overwrite { no, yes };
 
 /// Writes the book, as it is at one moment, into `target`, while others may go on writing it. The
@@ -46,10 +49,11 @@ struct Restored {
 /// Makes the checked `backup` the content of the book at `book`, and keeps the present book aside
 /// under a name with `now` in it.
 ///
-/// 1. The backup is checked, and copied beside the book.
-/// 2. A present book in good order is copied aside and its content replaced, both in one
-///    transaction: other programs may have it open, and see the new words at once.
-/// 3. One that is damaged is moved aside with its log, and the copy takes its place.
+/// 1. The backup is checked, and its rows are copied into a new book beside the present one.
+/// 2. A present book in good order is copied aside and its rows replaced, both in one transaction:
+///    other programs may have it open, and see the new words at once.
+/// 3. One that is damaged is moved aside with its log, and the new book takes its place. No program,
+///    this one included, may have it open then.
 ///
 /// Throws `BackupError`, `FileError` or, when the present book cannot be written,
 /// `SQLiteDB::Error`; the present book is then as it was.

@@ -58,9 +58,10 @@ Cells encounterCells(const Encounter& encounter, const Calendar& calendar) {
 
 std::string csv(std::span<const WordHistory> words, const Calendar& calendar) {
     std::string csv = "\xEF\xBB\xBF";
-    appendCSVLine(csv, {"单词", "原形", "音标", "释义", "保存时间", "状态", "下次复习", "复习次数",
-                        "遗忘次数", "上次复习", "选中的文字", "句子", "语境释义", "来源", "网址",
-                        "遇到时间"});
+    const Cells columns{"单词",     "原形",     "音标",     "释义",     "保存时间",   "状态",
+                        "下次复习", "复习次数", "遗忘次数", "上次复习", "选中的文字", "句子",
+                        "语境释义", "来源",     "网址",     "遇到时间"};
+    appendCSVLine(csv, columns);
     for (const auto& [item, encounters] : words) {
         Cells known = wordCells(item.word, calendar);
         for (const std::string& cell : cardCells(item.card, calendar))
@@ -71,7 +72,10 @@ std::string csv(std::span<const WordHistory> words, const Calendar& calendar) {
                 line.push_back(cell);
             appendCSVLine(csv, line);
         }
-        if (encounters.empty()) appendCSVLine(csv, known);
+        if (encounters.empty()) {
+            known.resize(columns.size());
+            appendCSVLine(csv, known);
+        }
     }
     return csv;
 }

@@ -25,7 +25,7 @@ enum class ExportFormat {
     /// For spreadsheets: UTF-8 with a byte-order mark, a line for each encounter. A cell that a
     /// spreadsheet would take for a formula begins with "'".
     csv,
-    /// All that is known, as an array of objects with the fields' names as keys.
+    /// Every word, encounter and card, as an array of objects with the fields' names as keys.
     json,
     /// For Anki's text import: tab-separated HTML with the directives that Anki reads, one note a
     /// word, the word bold in its sentences.

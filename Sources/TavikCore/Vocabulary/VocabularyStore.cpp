@@ -32,10 +32,11 @@ std::int64_t version(SQLiteDB& db) {
     return rows.empty() ? 0 : rows.front().int_("user_version").value_or(0);
 }
 
-/// Whether another program, which has begun to create the same file, is done within a second.
+/// Whether another program, which has begun to create the same file, is done in the time that
+/// any other lock is waited for.
 bool wasCreatedMeanwhile(SQLiteDB& db) {
     using namespace std::chrono_literals;
-    for (int attempt = 0; attempt < 100; ++attempt) {
+    for (int attempt = 0; attempt < 300; ++attempt) {
         if (version(db) > 0) return true;
         std::this_thread::sleep_for(10ms);
     }

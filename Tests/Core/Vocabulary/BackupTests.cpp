@@ -5,9 +5,13 @@
 #include "Vocabulary/VocabularyBackup.h"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <csignal>
 #include <filesystem>
+#include <set>
 #include <thread>
 
 namespace tavik {
@@ -95,6 +99,8 @@ TEST_F(BackupTest, aBackupNeverReplacesAFileUnaskedOrTheBookItself) {
     fs::create_symlink(path, directory.file("link"));
     for (const std::string& own : {path, path + "-wal", directory.file("link")})
         EXPECT_THAT(backUp(own, Overwrite::yes), HasSubstr("就是生词本自己")) << own;
+    test::writeFile(directory.file("used-wal"), "log");
+    EXPECT_THAT(backUp(directory.file("used"), Overwrite::yes), HasSubstr("正被另一个程序使用"));
     EXPECT_THAT(backUp(directory.file("none/x"), Overwrite::no), HasSubstr("none"));
     EXPECT_THAT(backUp(directory.path(), Overwrite::yes), HasSubstr("不是普通文件"));
     EXPECT_EQ(test::dump(path), original);
@@ -122,11 +128,17 @@ TEST_F(BackupTest, aBackupThatIsNotWholeIsRefusedAndTheBookStays) {
     test::writeFile(bad, whole);
     SQLiteDB(bad, false).execute("PRAGMA foreign_keys=OFF; DELETE FROM word WHERE id = 1");
     EXPECT_THAT(restore(), HasSubstr("损坏")) << "sentences without their word";
+    test::writeFile(bad, whole);
+    SQLiteDB(bad, false)
+        .execute("DROP TABLE word; CREATE TABLE word(id INTEGER PRIMARY KEY, lemma, headword, "
+                 "phonetic, brief, created_at); INSERT INTO word VALUES(1, 'a', 1, 2, 3, 4), (2, "
+                 "'A', 1, 2, 3, 4)");
+    EXPECT_THAT(restore(), HasSubstr("UNIQUE")) << "a backup brings no schema of its own";
     SQLiteDB(bad, false).execute("PRAGMA user_version = 2");
     EXPECT_THAT(restore(), HasSubstr("升级"));
     EXPECT_THAT(failure([&] { restoreBook(path, path, day(0)); }), HasSubstr("不必恢复"));
     EXPECT_EQ(test::dump(path), original);
-    EXPECT_EQ(files().count("tavik.sqlite.part"), 0U);
+    EXPECT_EQ(files().count("tavik.sqlite.tavik-part"), 0U);
 }
 
 TEST_F(BackupTest, aDamagedEmptiedOrMissingBookIsReplacedAndKeptAsItWas) {
@@ -159,6 +171,56 @@ TEST_F(BackupTest, aRestoreThatCannotWriteChangesNothing) {
     EXPECT_EQ(test::dump(path), original);
     for (const std::string& name : files())
         EXPECT_TRUE(known.contains(name) || name.starts_with("tavik.sqlite-")) << name;
+}
+
+TEST_F(BackupTest, aLinkedBookIsRestoredWhereItReallyLies) {
+    const std::string link = directory.file("link.sqlite");
+    fs::create_symlink(path, link);
+    test::writeFile(path, std::string(5000, 'x'));
+    const auto restored = restoreBook(backup, link, day(1));
+    EXPECT_EQ(test::readFile(restored.kept.value()), std::string(5000, 'x'));
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(test::dump(link), original);
+    EXPECT_THAT(failure([&] { requireOutsideBook(path, link); }), HasSubstr("就是生词本自己"));
+}
+
+TEST_F(BackupTest, aDamagedBookThatAnotherProgramHasOpenIsNotTakenAway) {
+    SQLiteDB(path, false).execute("PRAGMA user_version = 0");
+    // The other program reads the book, then waits for its input to end.
+    const auto other = test::runProcess(
+        {"/usr/bin/python3", "-c",
+         "import sqlite3, subprocess, sys\n"
+         "db = sqlite3.connect(sys.argv[1])\n"
+         "db.execute('SELECT * FROM word').fetchall()\n"
+         "print(subprocess.run(sys.argv[2:], capture_output=True, text=True).stderr)",
+         path, "/usr/bin/env", "TAVIK_DATA_DIR=" + directory.path().string(), TAVIK_CLI, "restore",
+         backup});
+    EXPECT_THAT(other.output, HasSubstr("请先退出 Tavik"));
+    EXPECT_NE(restoreBook(backup, path, day(0)).kept, std::nullopt);
+    EXPECT_EQ(test::dump(path), original);
+}
+
+TEST_F(BackupTest, aRestoreThatIsKilledLeavesOneBookOrTheOther) {
+    VocabularyStore book(path);
+    for (int i = 0; i < 300; ++i)
+        addWord(book, std::to_string(i), "A sentence.");
+    const std::string many = directory.file("many.sqlite");
+    backUpBook(book, path, many, Overwrite::no);
+    const std::string full = test::dump(path);
+    for (int round = 0; round < 40; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            restoreBook(round % 2 == 0 ? backup : many, path, day(round));
+            _exit(0);
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(round * 300));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        const std::string now = test::dump(path);
+        ASSERT_TRUE(now == original || now == full) << round;
+        ASSERT_EQ(test::quickCheck(path), "ok");
+    }
+    EXPECT_EQ(restoreBook(backup, path, day(99)).counts.words, 2);
 }
 
 } // namespace

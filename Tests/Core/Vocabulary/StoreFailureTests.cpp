@@ -181,6 +181,10 @@ TEST_F(StoreFailureTest, anEmptiedFileBesideAFullLogIsNotOpened) {
     } catch (const EmptiedBookError& error) {
         EXPECT_THAT(error.what(), HasSubstr("restore"));
     }
+    std::filesystem::create_symlink(path, directory.file("link"));
+    EXPECT_THROW(VocabularyStore{directory.file("link")}, EmptiedBookError);
+    std::filesystem::remove(path);
+    EXPECT_THROW(VocabularyStore{path}, EmptiedBookError) << "a missing file is as bad";
     EXPECT_EQ(test::readFile(log), "the last words");
     EXPECT_FALSE(isEmptiedBook(directory.file("none")));
 }

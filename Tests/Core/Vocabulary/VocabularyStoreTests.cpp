@@ -209,6 +209,9 @@ TEST(SourceLabel, isTheApplicationAndTheSiteOrFile) {
     EXPECT_EQ(label("Okular", "file:///home/x/笔 记/"), "Okular · 笔 记");
     EXPECT_EQ(label({}, "file:///a%FFb"), "a%FFb") << "undecodable stays as it is";
     EXPECT_EQ(label("", "https://例子.cn/路径"), "例子.cn");
+    for (const char* const odd : {"/a[1]", "/x|y?q={b}^`", "/100%", "/a\\b\"<c>", "?a=%zz#[x]"})
+        EXPECT_EQ(label({}, "https://a.com" + std::string(odd)), "a.com") << odd;
+    EXPECT_EQ(label({}, "http://[::1]:8080/x"), "::1");
     EXPECT_EQ(label("Mail", "mailto:a@b.c"), "Mail");
     EXPECT_EQ(label("App", "http://[::1"), "App");
     EXPECT_EQ(label({}, {}), "");
