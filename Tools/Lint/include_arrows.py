@@ -17,7 +17,7 @@ Text          ->
 Learning      ->
 Storage       ->
 Dictionary    -> Storage Text
-Explanation   -> Dictionary(records)
+Explanation   -> Text Dictionary(records)
 Vocabulary    -> Storage Text Learning Dictionary(records) Explanation(records)
 Lookup        -> Vocabulary Dictionary Explanation Text
 
@@ -55,6 +55,7 @@ SYSTEM_HEADERS = [
         ["TavikCore/Text/", "TavikCore/Base/Calendar."],
         "只有 Text 和 Base/Calendar 可以用 ICU",
     ),
+    (r"curl/.*", ["TavikCore/Explanation/"], "只有 Explanation 可以用 libcurl"),
     (r"uriparser/.*", ["TavikCore/Text/"], "只有 Text 可以用 uriparser"),
     (
         r"Q\w+(/.*)?|X11/.*|xcb/.*|glib.*|gio/.*|dbus/.*",

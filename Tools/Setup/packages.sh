@@ -8,6 +8,7 @@
     run_packages=(
         g++ cmake ninja-build
         libsqlite3-dev libicu-dev nlohmann-json3-dev libcli11-dev liburiparser-dev
+        libcurl4-openssl-dev libssl-dev
         wordnet-base ca-certificates
     )
     test_packages=(libgtest-dev libgmock-dev clang-format clang-tidy shellcheck git)

@@ -1,4 +1,4 @@
-#include "Lookup/WordLookup.h"
+#include "Lookup/LookupService.h"
 #include "Support/RealDictionary.h"
 #include "Text/TextUtil.h"
 #include "Text/Unicode.h"
@@ -20,8 +20,10 @@ TEST_F(RealDictionaryTest, wordsAsPeopleSelectThemBecomeTheirEntry) {
         {"News", "news"},        {"his", "his"},
         {"species", "species"},  {"Thomas", "thomas"},
         {"number", "number"},    {"studies", "study"}};
+    VocabularyStore book(":memory:");
+    const LookupService service(&*dictionary, book);
     for (const auto& [selection, lemma] : cases) {
-        const WordLookup lookup = lookUpWord(&*dictionary, selection);
+        const LookupResult lookup = service.lookup(selection, std::nullopt, {});
         EXPECT_EQ(lookup.lemma, lemma) << selection;
         EXPECT_TRUE(lookup.isWord) << selection;
         EXPECT_FALSE(lookup.entry->brief().empty()) << selection;
@@ -42,8 +44,10 @@ TEST_F(RealDictionaryTest, entriesAreCleanText) {
 }
 
 TEST_F(RealDictionaryTest, examplesHoldTheWordOrOneOfItsForms) {
+    VocabularyStore book(":memory:");
+    const LookupService service(&*dictionary, book);
     for (const std::string word : {"run", "give up", "child", "mouse", "abandon"}) {
-        const auto lookup = lookUpWord(&*dictionary, word);
+        const LookupResult lookup = service.lookup(word, std::nullopt, {});
         EXPECT_EQ(lookup.examples.size(), 3U) << word;
         std::vector<std::string> forms{word, "gave up", "giving up", "given up"};
         for (const auto& [key, form] : lookup.entry->exchange)
