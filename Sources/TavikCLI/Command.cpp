@@ -1,8 +1,13 @@
 #include "TavikCLI/Command.h"
 
 #include "TavikTerminal/CommandLine.h"
+#include "Text/Unicode.h"
 
 namespace tavik {
+
+std::string phraseOf(const std::vector<std::string>& words) {
+    return joined({words.begin(), words.end()}, " ");
+}
 
 Command::Command(CLI::App& app, const std::string& name, const std::string& description)
     : command(addCommand(app, name, description)) {}

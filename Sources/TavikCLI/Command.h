@@ -3,8 +3,15 @@
 #include <CLI/CLI.hpp>
 
 #include <string>
+#include <vector>
 
 namespace tavik {
+
+/// The most that a `--limit` takes.
+inline constexpr double maxLimit = 1000000;
+
+/// The words of a command line as one phrase.
+std::string phraseOf(const std::vector<std::string>& words);
 
 /// One command of the program, with its options. It must outlive the parse.
 class Command {

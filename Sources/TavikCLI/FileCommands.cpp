@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <iostream>
 #include <stdexcept>
+#include <system_error>
 
 namespace tavik {
 namespace {
@@ -29,7 +30,7 @@ ExportCommand::ExportCommand(CLI::App& app)
     options().add_option("文件", file, "写到这个文件；省略时写到标准输出");
     options()
         .add_option("--format", format,
-                    "csv（表格，默认）、json（全部内容）或 anki（Anki 的文本导入）")
+                    "csv（表格，默认）、json（全部单词、句子和进度）或 anki（Anki 的文本导入）")
         ->option_text("格式")
         ->check([](const std::string& name) {
             return exportFormat(name) ? "" : "只能是 csv、json 或 anki";
@@ -48,7 +49,9 @@ int ExportCommand::run() const {
             std::cout << text;
             return exitOK;
         }
-        if (!force && fs::exists(file))
+        requireOutsideBook(file, bookPath());
+        std::error_code ignored;
+        if (!force && fs::exists(file, ignored))
             throw FileError(file + " 已经存在，请换一个文件名，或者加上 --force 覆盖它");
         replaceFile(file, text);
         std::cout << "已导出 " << words.size() << " 个单词到 " << printable(file) << "。\n";

@@ -4,6 +4,7 @@
 #include "TavikCLI/JSONLine.h"
 #include "TavikCLI/VocabularyReport.h"
 #include "TavikTerminal/CommandLine.h"
+#include "Text/CharacterClasses.h"
 #include "Text/Unicode.h"
 #include "Vocabulary/VocabularyJSON.h"
 
@@ -16,7 +17,6 @@
 namespace tavik {
 namespace {
 
-constexpr double maxLimit = 1000000;
 constexpr const char* itemsJSON = "每个单词输出一行 JSON";
 
 void printItems(const std::vector<VocabItem>& items, bool asJSON) {
@@ -101,7 +101,7 @@ ListCommand::ListCommand(CLI::App& app) : Command(app, "list", "列出或搜索�
 
 int ListCommand::run() const {
     return withBook([&](const VocabularyStore& book) {
-        const std::string wanted = joined({search.begin(), search.end()}, " ");
+        const std::string wanted = phraseOf(search);
         const auto items = book.items(wanted);
         printItems(items, asJSON);
         if (!items.empty()) return exitOK;
@@ -109,7 +109,7 @@ int ListCommand::run() const {
             std::cerr << "生词本还是空的。用 tavik-cli save 保存第一个单词。\n";
         else
             std::cerr << "没有找到匹配的单词。\n";
-        return wanted.empty() ? exitOK : exitNotFound;
+        return trimmed(wanted, isWhiteSpace).empty() ? exitOK : exitNotFound;
     });
 }
 

@@ -1,13 +1,16 @@
 #include "TavikCLI/LookupCommand.h"
 
-#include "Lookup/WordLookup.h"
+#include "Explanation/ExplanationJSON.h"
+#include "TavikCLI/Book.h"
 #include "TavikCLI/DictionaryFile.h"
+#include "TavikCLI/Explainer.h"
+#include "TavikCLI/InputLines.h"
+#include "TavikCLI/JSONLine.h"
 #include "TavikCLI/LookupReport.h"
 #include "TavikTerminal/CommandLine.h"
 #include "TavikTerminal/Terminal.h"
-#include "Text/CharacterClasses.h"
-#include "Text/Unicode.h"
 
+#include <nlohmann/json.hpp>
 #include <unistd.h>
 
 #include <iostream>
@@ -22,43 +25,61 @@ LookupCommand::LookupCommand(CLI::App& app)
         ->option_text("文字");
     addDictionaryOption(dictionaryPath);
     addJSONFlag(asJSON, "每个结果输出一行 JSON");
+    options().add_flag("--explain", explains, "再请大模型说明它在句子里的意思");
+    model.addTo(options());
     options().footer("几个词先合起来当作短语查；词典里没有这个短语时，逐个查。\n"
-                     "退出码：0 都查到了，2 有没查到的，1 出错。");
+                     "退出码：0 都查到了，2 有没查到的，1 出错。\n"
+                     + std::string(ModelOptions::help()));
 }
 
 int LookupCommand::run() const {
     const auto dictionary = openDictionary(dictionaryPath);
-    if (!words.empty()) return lookUpArguments(*dictionary);
+    const auto book = openBookOrScratch(explains ? BookCreation::allowed : BookCreation::forbidden);
+    const LookupService service(dictionary.get(), *book);
+    Explainer explainer(service, *book, model);
+    if (!words.empty()) return lookUpArguments(service, explainer);
     if (isatty(STDIN_FILENO) == 1) std::cerr << "请输入要查的词，每行一个，按 Ctrl+D 结束。\n";
-    return lookUpLines(*dictionary, std::cin);
+    return lookUpLines(service, explainer, std::cin);
 }
 
-int LookupCommand::lookUpArguments(const OfflineDictionary& dictionary) const {
-    const std::string phrase = joined({words.begin(), words.end()}, " ");
-    if (words.size() == 1 || lookUpWord(&dictionary, phrase).isWord)
-        return lookUp(dictionary, phrase) ? exitOK : exitNotFound;
+int LookupCommand::lookUpArguments(const LookupService& service, Explainer& explainer) const {
+    const std::string phrase = phraseOf(words);
+    if (words.size() == 1 || service.lookup(phrase, std::nullopt, {}).isWord)
+        return lookUp(service, explainer, phrase) ? exitOK : exitNotFound;
     bool allFound = true;
     for (const std::string& word : words)
-        allFound = lookUp(dictionary, word) && allFound;
+        allFound = lookUp(service, explainer, word) && allFound;
     return allFound ? exitOK : exitNotFound;
 }
 
-int LookupCommand::lookUpLines(const OfflineDictionary& dictionary, std::istream& input) const {
+int LookupCommand::lookUpLines(const LookupService& service, Explainer& explainer,
+                               std::istream& input) const {
     bool allFound = true;
-    for (std::string line; std::getline(input, line);)
-        if (!trimmed(line, isWhiteSpace).empty()) allFound = lookUp(dictionary, line) && allFound;
+    forEachLine(input, [&](const std::string& line) {
+        allFound = lookUp(service, explainer, line) && allFound;
+    });
     return allFound ? exitOK : exitNotFound;
 }
 
-bool LookupCommand::lookUp(const OfflineDictionary& dictionary,
+bool LookupCommand::lookUp(const LookupService& service, Explainer& explainer,
                            const std::string& selection) const {
-    const WordLookup lookup = lookUpWord(&dictionary, selection);
-    const auto context = sentenceContext(lookup, sentence);
-    if (asJSON)
-        std::cout << lookupJSON(lookup, context) << '\n' << std::flush;
-    else
-        std::cout << lookupText(lookup, context, Terminal::of(STDOUT_FILENO)) << std::flush;
-    return lookup.isWord;
+    const WordInContext word = lookUpInContext(service, selection, sentence);
+    if (asJSON) {
+        auto json = lookupJSON(word.lookup);
+        if (explains) json["explanation"] = nlohmann::json(explainer.explain(word.lookup));
+        std::cout << jsonLine(json) << '\n' << std::flush;
+        return word.lookup.isWord;
+    }
+    const Terminal terminal = Terminal::of(STDOUT_FILENO);
+    Report report(terminal);
+    addLookup(report, word);
+    // The entry is there at once, the model's answer when it comes.
+    std::cout << report.finished() << std::flush;
+    Report more(terminal);
+    if (explains) addExplanation(more, explainer.explain(word.lookup));
+    more.line("");
+    std::cout << more.finished() << std::flush;
+    return word.lookup.isWord;
 }
 
 } // namespace tavik

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TavikCLI/Command.h"
+#include "TavikCLI/ModelOptions.h"
 
 #include <iosfwd>
 #include <string>
@@ -8,7 +9,8 @@
 
 namespace tavik {
 
-class OfflineDictionary;
+class Explainer;
+class LookupService;
 
 /// `lookup`: words and phrases from the command line or, without any, lines of standard input.
 class LookupCommand final : public Command {
@@ -19,15 +21,18 @@ public:
     int run() const override;
 
 private:
-    int lookUpArguments(const OfflineDictionary& dictionary) const;
-    int lookUpLines(const OfflineDictionary& dictionary, std::istream& input) const;
+    int lookUpArguments(const LookupService& service, Explainer& explainer) const;
+    int lookUpLines(const LookupService& service, Explainer& explainer, std::istream& input) const;
     /// Looks one selection up and prints what was found; whether there was an entry.
-    bool lookUp(const OfflineDictionary& dictionary, const std::string& selection) const;
+    bool lookUp(const LookupService& service, Explainer& explainer,
+                const std::string& selection) const;
 
     std::vector<std::string> words;
     std::string sentence;
     std::string dictionaryPath;
     bool asJSON = false;
+    bool explains = false;
+    ModelOptions model;
 };
 
 } // namespace tavik

@@ -2,8 +2,6 @@
 
 #include "Dictionary/DictionaryJSON.h"
 #include "Dictionary/DictionaryLabels.h"
-#include "TavikCLI/JSONLine.h"
-#include "TavikTerminal/Report.h"
 #include "Text/CharacterClasses.h"
 #include "Text/Unicode.h"
 
@@ -17,7 +15,7 @@ namespace {
 constexpr std::size_t maxSentenceCharacters = 400;
 constexpr std::size_t maxDefinitions = 5;
 
-std::vector<std::string> knownForms(const WordLookup& lookup) {
+std::vector<std::string> knownForms(const LookupResult& lookup) {
     std::vector<std::string> forms{lookup.selection};
     const std::string normal = TextUtil::normalizeWord(lookup.selection);
     forms.push_back(normal);
@@ -51,10 +49,11 @@ std::string inflectionLine(const DictEntry& entry) {
     return line;
 }
 
-void addEntry(Report& report, const WordLookup& lookup) {
+void addEntry(Report& report, const LookupResult& lookup) {
     const DictEntry& entry = *lookup.entry;
     report.line(headline(report, entry));
     const std::string selected = TextUtil::normalizeWord(lookup.selection);
+    if (lookup.alreadySaved) report.paragraph("已在生词本里", 2, TextStyle::accent);
     if (selected != lookup.lemma)
         report.paragraph(selected + " → " + lookup.lemma, 2, TextStyle::faint);
     for (const std::string& sense : entry.translations)
@@ -70,7 +69,7 @@ void addEntry(Report& report, const WordLookup& lookup) {
         report.paragraph(entry.definitions[i], 2);
 }
 
-std::string reasonForNothing(const WordLookup& lookup) {
+std::string reasonForNothing(const LookupResult& lookup) {
     if (TextUtil::isLookupCandidate(lookup.selection)) return "没有查到";
     return "没有查到：只能查英文单词和四个词以内的短语";
 }
@@ -94,9 +93,7 @@ void addContext(Report& report, const SentenceContext& context) {
     report.marked(before, match, after, 2);
 }
 
-} // namespace
-
-std::optional<SentenceContext> sentenceContext(const WordLookup& lookup, std::string_view text) {
+std::optional<SentenceContext> sentenceContext(const LookupResult& lookup, std::string_view text) {
     const std::string_view given = trimmed(text, isWhiteSpace);
     if (given.empty()) return std::nullopt;
     const auto forms = knownForms(lookup);
@@ -111,23 +108,33 @@ std::optional<SentenceContext> sentenceContext(const WordLookup& lookup, std::st
     return SentenceContext{std::move(sentence), std::move(highlight)};
 }
 
-std::string lookupJSON(const WordLookup& lookup, const std::optional<SentenceContext>& context) {
+} // namespace
+
+WordInContext lookUpInContext(const LookupService& service, std::string_view selection,
+                              std::string_view text, const SourceInfo& source) {
+    WordInContext word{service.lookup(selection, std::nullopt, source), std::nullopt};
+    word.context = sentenceContext(word.lookup, text);
+    if (word.context) word.lookup.sentence = word.context->sentence;
+    return word;
+}
+
+nlohmann::ordered_json lookupJSON(const LookupResult& lookup) {
     nlohmann::ordered_json json;
     json["selection"] = lookup.selection;
     json["sentence"] = nullptr;
-    if (context) json["sentence"] = context->sentence;
+    if (lookup.sentence) json["sentence"] = *lookup.sentence;
     json["lemma"] = lookup.lemma;
     json["headword"] = lookup.headword();
     json["isWord"] = lookup.isWord;
+    json["alreadySaved"] = lookup.alreadySaved;
     json["entry"] = nullptr;
     if (lookup.entry) json["entry"] = nlohmann::json(*lookup.entry);
     json["examples"] = nlohmann::json(lookup.examples);
-    return jsonLine(json);
+    return json;
 }
 
-std::string lookupText(const WordLookup& lookup, const std::optional<SentenceContext>& context,
-                       const Terminal& terminal) {
-    Report report(terminal);
+void addLookup(Report& report, const WordInContext& word) {
+    const auto& [lookup, context] = word;
     if (lookup.entry)
         addEntry(report, lookup);
     else
@@ -135,8 +142,13 @@ std::string lookupText(const WordLookup& lookup, const std::optional<SentenceCon
                     + reasonForNothing(lookup));
     addExamples(report, lookup.examples);
     if (context) addContext(report, *context);
-    report.line("");
-    return report.finished();
+}
+
+void addExplanation(Report& report, const ContextExplanation& explanation) {
+    report.heading("在这句话里");
+    report.paragraph(explanation.meaningInContext, 2);
+    if (!explanation.translation.empty()) report.paragraph("译文：" + explanation.translation, 2);
+    addExamples(report, explanation.examples);
 }
 
 } // namespace tavik

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "Lookup/WordLookup.h"
-#include "TavikTerminal/Terminal.h"
+#include "Lookup/LookupService.h"
+#include "TavikTerminal/Report.h"
 #include "Text/TextUtil.h"
+
+#include <nlohmann/json_fwd.hpp>
 
 #include <optional>
 #include <string>
@@ -16,15 +18,24 @@ struct SentenceContext {
     std::optional<TextUtil::Highlight> highlight;
 };
 
-/// Cuts the sentence with the looked-up word, or one of its forms, out of `text`; all of `text`
-/// when the word is not in it; nothing when `text` is blank.
-std::optional<SentenceContext> sentenceContext(const WordLookup& lookup, std::string_view text);
+/// A word with the place where it stood.
+struct WordInContext {
+    LookupResult lookup;
+    std::optional<SentenceContext> context;
+};
 
-/// The result as one line of JSON; the keys are the names of the fields.
-std::string lookupJSON(const WordLookup& lookup, const std::optional<SentenceContext>& context);
+/// Looks `selection` up. Its sentence is the one of `text` with the word, or one of its forms, in
+/// it; all of `text` when the word is not in it; none when `text` is blank.
+WordInContext lookUpInContext(const LookupService& service, std::string_view selection,
+                              std::string_view text, const SourceInfo& source = {});
 
-/// The result for a person, in lines that fit the terminal.
-std::string lookupText(const WordLookup& lookup, const std::optional<SentenceContext>& context,
-                       const Terminal& terminal);
+/// The result as a JSON object; the keys are the names of the fields.
+nlohmann::ordered_json lookupJSON(const LookupResult& lookup);
+
+/// Adds the result for a person.
+void addLookup(Report& report, const WordInContext& word);
+
+/// Adds what the language model says of the word.
+void addExplanation(Report& report, const ContextExplanation& explanation);
 
 } // namespace tavik

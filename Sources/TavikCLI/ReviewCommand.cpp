@@ -19,7 +19,6 @@ namespace tavik {
 namespace {
 
 constexpr int maxExamples = 2;
-constexpr double maxLimit = 1000000;
 constexpr double minRetention = 0.7;
 constexpr double maxRetention = 0.97;
 
@@ -37,9 +36,11 @@ public:
             answer();
             const auto rating = waitForRating();
             if (!rating) break;
-            session.rate(*rating, currentDate());
-            ++given;
-            print(report().inStyle(TextStyle::faint, std::string(label(*rating))) + "\n\n");
+            const bool isRated = session.rate(*rating, currentDate());
+            if (isRated) ++given;
+            print(report().inStyle(TextStyle::faint,
+                                   isRated ? label(*rating) : "这个词已经不在生词本里了")
+                  + "\n\n");
         }
         finish();
     }
@@ -143,7 +144,7 @@ private:
     ReviewSession& session;
     const OfflineDictionary* dictionary;
     Terminal terminal = Terminal::of(STDOUT_FILENO);
-    KeyReader keys;
+    KeyReader keys{STDIN_FILENO};
     int given = 0;
 };
 

@@ -24,12 +24,18 @@ RatingMap<Date> ReviewSession::preview(Date now) const {
     return scheduler.preview(queue[index].card, now);
 }
 
-void ReviewSession::rate(Rating rating, Date now) {
-    const std::int64_t wordID = queue[index].word.id;
-    book.review(wordID, rating, scheduler, now);
+bool ReviewSession::rate(Rating rating, Date now) {
+    const Word& shown = queue[index].word;
+    const std::int64_t wordID = shown.id;
+    // Another program may have deleted the word, or restored a book where its id is another's.
+    const auto present = book.item(wordID);
+    const bool isSame =
+        present && present->word.lemma == shown.lemma && present->word.createdAt == shown.createdAt;
+    if (isSame) book.review(wordID, rating, scheduler, now);
     ++index;
-    if (rating != Rating::again) return;
+    if (!isSame || rating != Rating::again) return isSame;
     if (auto again = book.item(wordID)) queue.push_back(std::move(*again));
+    return true;
 }
 
 } // namespace tavik

@@ -23,9 +23,10 @@ public:
 
     RatingMap<Date> preview(Date now) const;
 
-    /// Records the rating of the current word and goes on to the next. Throws `SQLiteDB::Error`;
-    /// the session then stays where it is.
-    void rate(Rating rating, Date now);
+    /// Records the rating of the current word and goes on to the next; false when the word is not
+    /// in the book any more, so that there was nothing to rate. Throws `SQLiteDB::Error`; the
+    /// session then stays where it is.
+    bool rate(Rating rating, Date now);
 
     std::size_t position() const { return index; }
 

@@ -1,12 +1,12 @@
 #include "TavikCLI/SaveCommand.h"
 
-#include "Lookup/WordLookup.h"
+#include "Lookup/LookupService.h"
 #include "TavikCLI/Book.h"
 #include "TavikCLI/DictionaryFile.h"
+#include "TavikCLI/InputLines.h"
 #include "TavikCLI/JSONLine.h"
 #include "TavikCLI/LookupReport.h"
 #include "TavikTerminal/CommandLine.h"
-#include "Text/CharacterClasses.h"
 #include "Text/Unicode.h"
 
 #include <nlohmann/json.hpp>
@@ -52,40 +52,35 @@ SaveCommand::SaveCommand(CLI::App& app) : Command(app, "save", "把单词或短�
 int SaveCommand::run() const {
     return withBook([&](VocabularyStore& book) {
         const auto dictionary = openDictionaryIfAny(dictionaryPath);
-        if (!words.empty())
-            return save(book, dictionary.get(), joined({words.begin(), words.end()}, " "),
-                        sentence);
+        const LookupService service(dictionary.get(), book);
+        if (!words.empty()) return save(service, book, phraseOf(words), sentence);
         if (isatty(STDIN_FILENO) == 1) std::cerr << "请输入要存的词，每行一个，按 Ctrl+D 结束。\n";
-        return saveLines(book, dictionary.get(), std::cin);
+        return saveLines(service, book, std::cin);
     });
 }
 
-int SaveCommand::saveLines(VocabularyStore& book, const OfflineDictionary* dictionary,
+int SaveCommand::saveLines(const LookupService& service, const VocabularyStore& book,
                            std::istream& input) const {
     int code = exitOK;
-    for (std::string line; std::getline(input, line);) {
+    forEachLine(input, [&](const std::string& line) {
         const std::size_t tab = std::min(line.find('\t'), line.size());
-        const std::string_view own = std::string_view(line).substr(std::min(tab + 1, line.size()));
         const std::string_view selection = std::string_view(line).substr(0, tab);
-        if (trimmed(selection, isWhiteSpace).empty()) continue;
-        code = std::max(code, save(book, dictionary, selection, own.empty() ? sentence : own));
-    }
+        const std::string_view own = std::string_view(line).substr(std::min(tab + 1, line.size()));
+        code = std::max(code, save(service, book, selection, own.empty() ? sentence : own));
+    });
     return code;
 }
 
-int SaveCommand::save(VocabularyStore& book, const OfflineDictionary* dictionary,
+int SaveCommand::save(const LookupService& service, const VocabularyStore& book,
                       std::string_view selection, std::string_view text) const {
-    const WordLookup lookup = lookUpWord(dictionary, selection);
+    const SourceInfo source{unlessEmpty(appName), std::nullopt, unlessEmpty(url)};
+    const LookupResult lookup = lookUpInContext(service, selection, text, source).lookup;
     if (lookup.lemma.empty()) {
         std::cerr << "“" << printable(selection) << "”里没有可以保存的词。\n";
         return exitError;
     }
-    const auto context = sentenceContext(lookup, text);
     const std::int64_t known = encounterCount(book, lookup.lemma);
-    const auto added =
-        book.add(lookup.lemma, lookup.headword(), lookup.entry, lookup.selection,
-                 context ? std::optional(context->sentence) : std::nullopt, unlessEmpty(meaning),
-                 SourceInfo{unlessEmpty(appName), std::nullopt, unlessEmpty(url)}, currentDate());
+    const auto added = service.save(lookup, unlessEmpty(meaning), currentDate());
     if (asJSON) {
         const nlohmann::ordered_json json{{"wordID", added.wordID},
                                           {"isNewWord", added.isNewWord},
@@ -96,7 +91,7 @@ int SaveCommand::save(VocabularyStore& book, const OfflineDictionary* dictionary
     }
     std::cout << printable(lookup.headword()) << "  "
               << outcome(added.isNewWord, encounterCount(book, lookup.lemma) > known)
-              << (lookup.isWord || dictionary == nullptr ? "" : "（词典里没有这个词）") << '\n'
+              << (lookup.isWord ? "" : "（词典里没有它的释义）") << '\n'
               << std::flush;
     return exitOK;
 }

@@ -9,7 +9,7 @@
 
 namespace tavik {
 
-class OfflineDictionary;
+class LookupService;
 class VocabularyStore;
 
 /// `save`: puts a word or phrase into the book, or one for each line of standard input.
@@ -20,9 +20,9 @@ public:
     int run() const override;
 
 private:
-    int saveLines(VocabularyStore& book, const OfflineDictionary* dictionary,
+    int saveLines(const LookupService& service, const VocabularyStore& book,
                   std::istream& input) const;
-    int save(VocabularyStore& book, const OfflineDictionary* dictionary, std::string_view selection,
+    int save(const LookupService& service, const VocabularyStore& book, std::string_view selection,
              std::string_view text) const;
 
     std::vector<std::string> words;

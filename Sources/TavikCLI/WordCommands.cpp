@@ -19,10 +19,6 @@ namespace {
 
 constexpr const char* exitCodes = "退出码：0 成功，2 生词本里没有这个词，1 出错。";
 
-std::string textOf(const std::vector<std::string>& words) {
-    return joined({words.begin(), words.end()}, " ");
-}
-
 /// The saved word that the arguments mean; says so when there is none.
 std::optional<VocabItem> findItem(const VocabularyStore& book, const std::string& dictionaryPath,
                                   const std::string& text) {
@@ -46,7 +42,7 @@ ShowCommand::ShowCommand(CLI::App& app)
 
 int ShowCommand::run() const {
     return withBook([&](const VocabularyStore& book) {
-        const auto item = findItem(book, dictionaryPath, textOf(words));
+        const auto item = findItem(book, dictionaryPath, phraseOf(words));
         if (!item) return exitNotFound;
         const auto encounters = book.encounters(item->word.id);
         if (asJSON) {
@@ -72,7 +68,7 @@ DeleteCommand::DeleteCommand(CLI::App& app)
 
 int DeleteCommand::run() const {
     return withBook([&](VocabularyStore& book) {
-        const auto item = findItem(book, dictionaryPath, textOf(words));
+        const auto item = findItem(book, dictionaryPath, phraseOf(words));
         if (!item) return exitNotFound;
         book.delete_(item->word.id);
         std::cout << "已从生词本删除 " << printable(item->word.headword) << "，连同 "

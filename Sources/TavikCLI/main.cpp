@@ -1,4 +1,5 @@
 #include "Base/DataDirectory.h"
+#include "TavikCLI/ExplainCommand.h"
 #include "TavikCLI/FileCommands.h"
 #include "TavikCLI/ListCommands.h"
 #include "TavikCLI/LookupCommand.h"
@@ -36,9 +37,9 @@ int main(int argc, char** argv) {
     app.footer("生词本在 ~/.local/share/Tavik，环境变量 TAVIK_DATA_DIR 可以指定别的目录。");
     app.require_subcommand(1);
     const auto commands =
-        makeCommands<tavik::LookupCommand, tavik::SaveCommand, tavik::ListCommand,
-                     tavik::ShowCommand, tavik::DueCommand, tavik::ReviewCommand,
-                     tavik::DeleteCommand, tavik::StatsCommand, tavik::ExportCommand,
-                     tavik::BackupCommand, tavik::RestoreCommand>(app);
+        makeCommands<tavik::LookupCommand, tavik::ExplainCommand, tavik::SaveCommand,
+                     tavik::ListCommand, tavik::ShowCommand, tavik::DueCommand,
+                     tavik::ReviewCommand, tavik::DeleteCommand, tavik::StatsCommand,
+                     tavik::ExportCommand, tavik::BackupCommand, tavik::RestoreCommand>(app);
     return tavik::runCommandLine(app, argc, argv, [&] { return runChosen(commands); });
 }

@@ -4,16 +4,17 @@
 
 #include <deque>
 #include <optional>
+#include <string>
 
 namespace tavik {
 
-/// Reads single keys from standard input: unechoed and without waiting for Enter where that is a
-/// terminal, byte by byte where it is not. While it lives, signals that would end the program end
+/// Reads single keys from an open descriptor: unechoed and without waiting for Enter where that is
+/// a terminal, byte by byte where it is not. While it lives, signals that would end the program end
 /// the input instead, so that the terminal is always left as it was found. For the main thread of a
 /// program with one thread.
 class KeyReader {
 public:
-    KeyReader();
+    explicit KeyReader(int descriptor);
     ~KeyReader();
     KeyReader(const KeyReader&) = delete;
     KeyReader& operator=(const KeyReader&) = delete;
@@ -27,7 +28,11 @@ public:
 private:
     /// Reads what is there; false at the end.
     bool readMore();
+    /// Waits for input up to so many milliseconds, or for ever, and appends it to `typed`; false at
+    /// the end, after a signal and when nothing came.
+    bool readInto(std::string& typed, int milliseconds);
 
+    int descriptor;
     std::optional<termios> original;
     int signals;
     std::deque<char> pending;

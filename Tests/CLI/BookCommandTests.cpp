@@ -1,3 +1,4 @@
+#include "Base/Date.h"
 #include "Support/ChildProcess.h"
 #include "Support/PseudoTerminal.h"
 #include "Support/SampleDictionary.h"
@@ -70,12 +71,14 @@ TEST_F(BookCommandTest, aWordIsSavedFoundShownAndDeletedUnderItsBaseForm) {
 }
 
 TEST_F(BookCommandTest, standardInputSavesAWordALineWithItsSentence) {
-    const auto saved = run({"save", "--json"}, "mice\tI saw mice.\n\n  \ngave up\nzyzzy\n…\n");
+    const auto saved =
+        run({"save", "--json"}, "\xEF\xBB\xBFmice\tI saw mice.\n\n  \ndon’t\ngave up\nzyzzy\n…\n");
     EXPECT_EQ(saved.exitCode, 1) << "the last line has no word";
     EXPECT_THAT(saved.output, HasSubstr(R"("isNewWord":true,"lemma":"give up")"));
     EXPECT_EQ(item("mouse")["encounters"][0]["sentence"], "I saw mice.");
     EXPECT_EQ(item("zyzzy")["word"]["brief"], "");
-    EXPECT_EQ(json::parse(run({"stats", "--json"}).output)["states"]["new"], 3);
+    EXPECT_EQ(json::parse(run({"stats", "--json"}).output)["states"]["new"], 4);
+    EXPECT_EQ(run({"show", "Don’t"}).exitCode, 0);
 }
 
 TEST_F(BookCommandTest, manyProgramsMayCreateAndFillOneBookAtOnce) {
@@ -91,6 +94,17 @@ TEST_F(BookCommandTest, manyProgramsMayCreateAndFillOneBookAtOnce) {
             });
         threads.clear();
         EXPECT_EQ(json::parse(run({"stats", "--json"}).output)["wordCount"], programs);
+    }
+}
+
+TEST_F(BookCommandTest, theClockFollowsEveryWayToNameATimeZone) {
+    run({"save", "run"});
+    for (const auto& [zone, hours] : {std::pair("CST-8", 8), {"Asia/Shanghai", 8}, {"UTC", 0}}) {
+        auto shown = command({"show", "run"});
+        shown.insert(shown.begin() + 1, std::string("TZ=") + zone);
+        const Date saved = currentDate() + std::chrono::hours(hours);
+        EXPECT_THAT(test::runProcess(shown).output, HasSubstr(iso8601(saved).substr(0, 10)))
+            << zone;
     }
 }
 
@@ -138,19 +152,44 @@ TEST_F(BookCommandTest, aReviewMayBeLeftAndGoneOnWithTheOtherScheduler) {
 
 TEST_F(BookCommandTest, inATerminalKeysAreReadAtOnceAndTheTerminalIsLeftAsItWas) {
     run({"save"}, "run\nmice\n");
-    // The key Home, whose sequence holds a digit, is no rating; Ctrl+C ends the session.
+    // The key Home, whose sequence holds a digit, is no rating, whole or in parts; Ctrl+C ends.
     const auto left = test::runInTerminal(
-        command({"review"}), {{"结束）", " \x1b[1~"}, {"太简单", "\x1b[1~3"}, {"2 / 2", "\x03"}});
+        command({"review"}),
+        {{"结束）", " \x1b[1~"}, {"太简单", "\x1b"}, {"", "[1~3"}, {"2 / 2", "\x03"}});
     EXPECT_THAT(left.screen, AllOf(HasSubstr("本次复习了 1 次"), HasSubstr("还有 1 个")));
     EXPECT_EQ(left.exitCode, 0);
     EXPECT_TRUE(left.isRestored);
-    EXPECT_EQ(item("run")["card"]["reps"], 1);
-    const auto killed = test::runInTerminal(
-        {"/bin/sh", "-c",
-         "(sleep 0.3; kill -TERM $$) & TAVIK_DATA_DIR='" + data + "' exec " TAVIK_CLI " review"},
-        {});
+    EXPECT_EQ(item("run")["card"]["state"], "review") << "rated 3, not 1";
+    const auto shell = [&](const std::string& script,
+                           const std::vector<test::TerminalStep>& steps) {
+        return test::runInTerminal(
+            {"/bin/sh", "-c", "export TAVIK_DATA_DIR='" + data + "'; " + script}, steps);
+    };
+    const auto killed = shell("(sleep 0.3; kill -TERM $$) & exec " TAVIK_CLI " review", {});
     EXPECT_THAT(killed.screen, HasSubstr("还有 1 个没有复习")) << "ended in order";
+    EXPECT_EQ(killed.exitCode, 0);
     EXPECT_TRUE(killed.isRestored);
+    const auto unread = shell(TAVIK_CLI " review | head -n 1", {{"1 / 1", " "}});
+    EXPECT_TRUE(unread.isRestored) << "nobody reads what it prints";
+}
+
+TEST_F(BookCommandTest, aReviewNeverRatesAnotherWordThanTheOneShown) {
+    run({"save", "run"});
+    const std::string other = directory.file("other");
+    run({"save", "mice"});
+    run({"backup", other});
+    run({"delete", "run"});
+    run({"delete", "mouse"});
+    run({"save", "went"});
+    // Between the question and the rating another program restores a book with other words.
+    const auto review = test::runInTerminal(
+        {"/bin/sh", "-c",
+         "export TAVIK_DATA_DIR='" + data + "'; (sleep 0.4; " TAVIK_CLI " restore '" + other
+             + "' >/dev/null; echo swapped) & exec " TAVIK_CLI " review"},
+        {{"swapped", " "}, {"太简单", "4"}});
+    EXPECT_THAT(review.screen, HasSubstr("已经不在生词本里"));
+    for (const char* const word : {"run", "mouse"})
+        EXPECT_EQ(item(word)["card"]["reps"], 0) << word;
 }
 
 TEST_F(BookCommandTest, exportBackupAndRestoreGoThroughFiles) {
@@ -159,6 +198,8 @@ TEST_F(BookCommandTest, exportBackupAndRestoreGoThroughFiles) {
     EXPECT_EQ(run({"export", csv}).exitCode, 0);
     EXPECT_EQ(test::readFile(csv), run({"export"}).output);
     EXPECT_THAT(run({"export", csv}).errors, HasSubstr("--force"));
+    EXPECT_THAT(run({"export", data + "/tavik.sqlite", "--force"}).errors,
+                HasSubstr("就是生词本自己"));
     EXPECT_EQ(run({"export", csv, "--force", "--format", "anki"}).exitCode, 0);
     EXPECT_THAT(test::readFile(csv), HasSubstr("#separator:tab"));
     EXPECT_EQ(run({"export", "--format", "pdf"}).exitCode, 1);

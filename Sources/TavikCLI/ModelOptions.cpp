@@ -1,0 +1,61 @@
+#include "TavikCLI/ModelOptions.h"
+
+#include "Base/DataDirectory.h"
+#include "TavikTerminal/SecretPrompt.h"
+
+#include <stdexcept>
+
+namespace tavik {
+namespace {
+
+using Provider = LLMConfig::Provider;
+
+std::string orEnvironment(const std::string& given, const char* variable) {
+    return given.empty() ? environmentVariable(variable).value_or("") : given;
+}
+
+Provider providerNamed(const std::string& name) {
+    if (name.empty()) return Provider::none;
+    if (name == "openai") return Provider::openAICompatible;
+    const auto provider = providerFromRawValue(name);
+    if (!provider)
+        throw std::runtime_error("不认识的大模型服务“" + name
+                                 + "”，可以是 anthropic、openai 或 none");
+    return *provider;
+}
+
+} // namespace
+
+void ModelOptions::addTo(CLI::App& command) {
+    command.add_option("--provider", provider, "大模型服务：anthropic、openai（及兼容的）或 none")
+        ->option_text("名称");
+    command.add_option("--model", model, "模型的名称")->option_text("名称");
+    command.add_option("--base-url", baseURL, "OpenAI 兼容服务的地址，默认是 OpenAI 的")
+        ->option_text("地址");
+    command.add_flag("--ask-key", asksKey, "在终端里询问 API 密钥");
+}
+
+LLMConfig ModelOptions::config() const {
+    LLMConfig config;
+    config.provider = providerNamed(orEnvironment(provider, "TAVIK_LLM_PROVIDER"));
+    config.model = orEnvironment(model, "TAVIK_LLM_MODEL");
+    config.baseURL = orEnvironment(baseURL, "TAVIK_LLM_BASE_URL");
+    if (config.provider == Provider::openAICompatible && config.baseURL.empty())
+        config.baseURL = LLMConfig::defaultOpenAIBaseURL;
+    return config;
+}
+
+std::string ModelOptions::apiKey() const {
+    const std::string known = environmentVariable("TAVIK_LLM_API_KEY").value_or("");
+    const bool isNeeded = config().provider == Provider::anthropic;
+    if (!asksKey && (!known.empty() || !isNeeded)) return known;
+    return askSecret("API 密钥（输入时不显示）：").value_or("");
+}
+
+const char* ModelOptions::help() {
+    return "没有给出的选项取自环境变量 TAVIK_LLM_PROVIDER、TAVIK_LLM_MODEL 和 "
+           "TAVIK_LLM_BASE_URL，\n"
+           "API 密钥取自 TAVIK_LLM_API_KEY，或者在终端里询问。问过的不会再问，直接显示记下的答案。";
+}
+
+} // namespace tavik
