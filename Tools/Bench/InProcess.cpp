@@ -1,13 +1,16 @@
 #include "InProcess.h"
 
 #include "Dictionary/OfflineDictionary.h"
+#include "Lookup/LookupService.h"
 #include "Samples.h"
 #include "Text/TextUtil.h"
 #include "Text/Unicode.h"
+#include "Vocabulary/VocabularyStore.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
+#include <utility>
 
 namespace tavik {
 namespace {
@@ -18,6 +21,7 @@ constexpr std::size_t slowestShown = 5;
 
 constexpr double entryBudget = 25;
 constexpr double lemmaBudget = 100;
+constexpr double lookupBudget = 1000;
 constexpr double examplesBudget = 3000;
 constexpr double sentenceBudget = 100;
 
@@ -96,6 +100,25 @@ void reportSentences(const std::u16string& text) {
                    measured(std::vector<std::string>(textRounds), hasSentence), sentenceBudget);
 }
 
+/// The whole lookup of the service, with a book that holds every second word.
+void reportLookups(const OfflineDictionary& dictionary, const WordLists& words) {
+    VocabularyStore book(":memory:");
+    for (std::size_t i = 0; i < words.frequent.size(); i += 2)
+        book.add(words.frequent[i], words.frequent[i], std::nullopt, words.frequent[i],
+                 std::nullopt, std::nullopt, {}, currentDate());
+    const LookupService service(&dictionary, book);
+    const auto isSaved = [&](const std::string& word) {
+        return service.lookup(word, std::nullopt, {}).alreadySaved;
+    };
+    for (const auto& [title, list] : {std::pair("lookup, whole", &words.frequent),
+                                      {"lookup, whole, inflected", &words.inflected}}) {
+        const Measurement lookups = measured(*list, isSaved);
+        printRow(title, lookups);
+        printBudget("p99", lookups.samples.p99(), lookupBudget);
+        std::printf("\n");
+    }
+}
+
 } // namespace
 
 void reportInProcess(const std::string& dictionary, const WordLists& words) {
@@ -119,6 +142,7 @@ void reportInProcess(const std::string& dictionary, const WordLists& words) {
     std::printf("\n");
     printSlowest(words.frequent, examples.samples);
 
+    reportLookups(opened, words);
     reportSentences(runningText(opened, words.frequent));
 
     printRow("entry, absent", measured(words.absent, hasEntry));
