@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <filesystem>
@@ -21,6 +22,40 @@ namespace fs = std::filesystem;
 using test::addWord;
 using test::day;
 using testing::HasSubstr;
+
+/// A program that has the book open while this object lives.
+class OtherProgram {
+public:
+    explicit OtherProgram(const std::string& path) {
+        std::array<int, 2> ends{};
+        if (pipe(ends.data()) != 0) throw std::runtime_error("pipe failed");
+        child = fork();
+        if (child == 0) {
+            SQLiteDB db(path, false);
+            db.query("SELECT * FROM word");
+            close(ends[1]);
+            pause();
+            _exit(0);
+        }
+        close(ends[1]);
+        char byte = 0;
+        // The end of the pipe, which only the child has open, tells that the book is open.
+        while (read(ends[0], &byte, 1) > 0) {
+        }
+        close(ends[0]);
+    }
+
+    ~OtherProgram() {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+    }
+
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+
+private:
+    pid_t child = -1;
+};
 
 class BackupTest : public test::BookTest {
 protected:
@@ -186,16 +221,11 @@ TEST_F(BackupTest, aLinkedBookIsRestoredWhereItReallyLies) {
 
 TEST_F(BackupTest, aDamagedBookThatAnotherProgramHasOpenIsNotTakenAway) {
     SQLiteDB(path, false).execute("PRAGMA user_version = 0");
-    // The other program reads the book, then waits for its input to end.
-    const auto other = test::runProcess(
-        {"/usr/bin/python3", "-c",
-         "import sqlite3, subprocess, sys\n"
-         "db = sqlite3.connect(sys.argv[1])\n"
-         "db.execute('SELECT * FROM word').fetchall()\n"
-         "print(subprocess.run(sys.argv[2:], capture_output=True, text=True).stderr)",
-         path, "/usr/bin/env", "TAVIK_DATA_DIR=" + directory.path().string(), TAVIK_CLI, "restore",
-         backup});
-    EXPECT_THAT(other.output, HasSubstr("请先退出 Tavik"));
+    {
+        const OtherProgram other(path);
+        EXPECT_THAT(failure([&] { restoreBook(backup, path, day(0)); }),
+                    HasSubstr("请先退出 Tavik"));
+    }
     EXPECT_NE(restoreBook(backup, path, day(0)).kept, std::nullopt);
     EXPECT_EQ(test::dump(path), original);
 }
