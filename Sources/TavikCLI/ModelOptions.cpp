@@ -46,7 +46,7 @@ LLMConfig ModelOptions::config() const {
 }
 
 std::string ModelOptions::apiKey() const {
-    const std::string known = environmentVariable("TAVIK_LLM_API_KEY").value_or("");
+    std::string known = environmentVariable("TAVIK_LLM_API_KEY").value_or("");
     const bool isNeeded = config().provider == Provider::anthropic;
     if (!asksKey && (!known.empty() || !isNeeded)) return known;
     return askSecret("API 密钥（输入时不显示）：").value_or("");

@@ -40,7 +40,7 @@ private:
 /// The answer as it grows.
 struct Incoming {
     HTTPResponse response;
-    std::size_t maxBodySize;
+    std::size_t maxBodySize = 0;
 };
 
 /// libcurl takes a smaller count than it gave as an order to stop.
@@ -150,7 +150,7 @@ HTTPResponse HTTPSession::send(const HTTPRequest& request, const std::stop_token
 
     TextList headers;
     for (const auto& [name, value] : request.headers)
-        headers.add(name + ": " + value);
+        headers.add(std::string(name).append(": ").append(value));
     // libcurl would wait for the server's leave before it sends a long body.
     headers.add("Expect:");
     TextList connectTo;

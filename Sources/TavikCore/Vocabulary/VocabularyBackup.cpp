@@ -90,9 +90,9 @@ std::int64_t versionOf(SQLiteDB& db) {
     return db.query(VocabularySQL::version).front().int_("user_version").value_or(0);
 }
 
-BackupError cannotCopy(const fs::path& target, const SQLiteDB::Error& error) {
-    return BackupError("没有复制成 " + target.string() + "，请检查磁盘空间和权限（" + error.message
-                       + "）");
+[[noreturn]] void throwCopyFailure(const fs::path& target, const SQLiteDB::Error& error) {
+    throw BackupError("没有复制成 " + target.string() + "，请检查磁盘空间和权限（" + error.message
+                      + "）");
 }
 
 /// "20261121-113852", in UTC.
@@ -160,7 +160,7 @@ void makeBook(const fs::path& target, const fs::path& backup) {
             }
         });
     } catch (const SQLiteDB::Error& error) {
-        throw cannotCopy(target, error);
+        throwCopyFailure(target, error);
     }
 }
 
@@ -174,7 +174,7 @@ void replaceRows(const fs::path& book, const fs::path& from, const fs::path& kep
         try {
             SQLiteDB(book.string(), true).query("VACUUM INTO ?", {copy.path().string()});
         } catch (const SQLiteDB::Error& error) {
-            throw cannotCopy(kept, error);
+            throwCopyFailure(kept, error);
         }
         copy.commit();
         // Else every row would look for its dependants.
@@ -284,7 +284,7 @@ BookCounts backUpBook(const VocabularyStore& store, const fs::path& book, const 
     try {
         store.copyTo(copy.path().string());
     } catch (const SQLiteDB::Error& error) {
-        throw cannotCopy(target, error);
+        throwCopyFailure(target, error);
     }
     const BookCounts counts = checkBook(copy.path());
     copy.commit();

@@ -79,7 +79,7 @@ TEST_F(LookupServiceTest, aSavedWordKeepsItsSentenceMeaningAndSource) {
 }
 
 TEST_F(LookupServiceTest, theCacheKeyMindsTheSentenceButNotTheCaseOfTheWord) {
-    const auto key = [](const char* selection, std::optional<std::string> sentence) {
+    const auto key = [](const char* selection, const std::optional<std::string>& sentence) {
         return LookupService::cacheKey(selection, sentence);
     };
     EXPECT_EQ(key("Bank", "By the bank."), key("bank", "By the bank."));
