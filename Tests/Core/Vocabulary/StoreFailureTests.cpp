@@ -34,8 +34,13 @@ std::string outcome(const std::function<void()>& call) {
     }
 }
 
-/// The operations that change the book and may fail, by name.
-std::vector<std::pair<std::string, std::function<void(VocabularyStore&)>>> writes() {
+/// An operation that changes the book and may fail.
+struct Write {
+    std::string name;
+    std::function<void(VocabularyStore&)> call;
+};
+
+std::vector<Write> writes() {
     return {
         {"add", [](VocabularyStore& book) { addWord(book, "new", "A new word."); }},
         {"add sentence", [](VocabularyStore& book) { addWord(book, "run", "Run again."); }},
@@ -84,14 +89,15 @@ TEST_F(StoreFailureTest, whileAnotherProgramHoldsTheLockReadersGoOnAndWritersFai
     SQLiteDB other(path, false);
     other.execute("BEGIN IMMEDIATE; UPDATE word SET brief = 'half'");
     std::vector<std::jthread> threads;
-    for (const auto& [name, write] : writes())
-        threads.emplace_back([&, name = name, write = write] {
+    for (const Write& write : writes())
+        threads.emplace_back([&, write] {
             VocabularyStore book(path);
             int changes = 0;
             book.setOnChange([&] { ++changes; });
             EXPECT_EQ(readings(book), allReadable);
-            EXPECT_THAT(outcome([&] { write(book); }), HasSubstr("database is locked")) << name;
-            EXPECT_EQ(changes, 0) << name;
+            EXPECT_THAT(outcome([&] { write.call(book); }), HasSubstr("database is locked"))
+                << write.name;
+            EXPECT_EQ(changes, 0) << write.name;
         });
     threads.emplace_back([&] {
         VocabularyStore book(path);
@@ -101,8 +107,8 @@ TEST_F(StoreFailureTest, whileAnotherProgramHoldsTheLockReadersGoOnAndWritersFai
     other.execute("ROLLBACK");
     EXPECT_EQ(test::dump(path), before);
     VocabularyStore book(path);
-    for (const auto& [name, write] : writes())
-        EXPECT_EQ(outcome([&] { write(book); }), "ok") << "once the lock is gone";
+    for (const Write& write : writes())
+        EXPECT_EQ(outcome([&] { write.call(book); }), "ok") << "once the lock is gone";
 }
 
 TEST_F(StoreFailureTest, aReadOnlyBookIsReadButNotWritten) {
@@ -111,8 +117,8 @@ TEST_F(StoreFailureTest, aReadOnlyBookIsReadButNotWritten) {
     const std::string told = test::inChild({.unprivileged = true}, [&] {
         VocabularyStore book(path);
         std::string text = readings(book);
-        for (const auto& [name, write] : writes())
-            text += '\n' + outcome([&] { write(book); });
+        for (const Write& write : writes())
+            text += '\n' + outcome([&] { write.call(book); });
         book.cacheExplanation({}, "key", day(1));
         return text;
     });
@@ -132,8 +138,8 @@ TEST_F(StoreFailureTest, onAFullDiskNothingIsWrittenByHalves) {
         const std::string told = test::inChild({.maxFileSize = room}, [&] {
             VocabularyStore book(path);
             std::string text = readings(book);
-            for (const auto& [name, write] : writes())
-                text += '\n' + outcome([&] { write(book); });
+            for (const Write& write : writes())
+                text += '\n' + outcome([&] { write.call(book); });
             return text;
         });
         EXPECT_THAT(told, Not(HasSubstr("\nok"))) << room;
@@ -157,8 +163,8 @@ TEST_F(StoreFailureTest, aDamagedBookIsAnErrorOrADefaultAndIsNotMadeWorse) {
         for (std::size_t at = 0; (at = expected.find("%1")) != std::string::npos;)
             expected.replace(at, 2, error);
         EXPECT_EQ(readings(book), expected);
-        for (const auto& [name, write] : writes())
-            EXPECT_THAT(outcome([&] { write(book); }), HasSubstr("malformed")) << name;
+        for (const Write& write : writes())
+            EXPECT_THAT(outcome([&] { write.call(book); }), HasSubstr("malformed")) << write.name;
         EXPECT_NO_THROW(book.cacheExplanation({}, "key", day(1)));
     }
     EXPECT_TRUE(test::readFile(path) == damaged);

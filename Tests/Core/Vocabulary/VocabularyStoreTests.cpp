@@ -172,9 +172,8 @@ TEST_F(VocabularyStoreTest, theCacheKeepsTheLastExplanationAndRefusesBrokenOnes)
     EXPECT_EQ(book.cachedExplanation("other"), std::nullopt);
     book.cacheExplanation({"\xFF", "", {}}, "key", day(2));
     EXPECT_EQ(book.cachedExplanation("key"), explanation) << "what is no UTF-8 is not stored";
-    for (const std::string json :
-         {"'{'", "'[]'", "x'00'", "'{\"meaningInContext\":\"a\"}'",
-          "'{\"meaningInContext\":1,\"translation\":\"\",\"examples\":[]}'"}) {
+    for (const std::string json : {"'{'", "'[]'", "x'00'", R"('{"meaningInContext":"a"}')",
+                                   R"('{"meaningInContext":1,"translation":"","examples":[]}')"}) {
         change("UPDATE explanation_cache SET json = " + json);
         EXPECT_EQ(book.cachedExplanation("key"), std::nullopt) << json;
     }
