@@ -52,8 +52,8 @@ struct Restored {
 /// 1. The backup is checked, and its rows are copied into a new book beside the present one.
 /// 2. A present book in good order is copied aside and its rows replaced, both in one transaction:
 ///    other programs may have it open, and see the new words at once.
-/// 3. One that is damaged is moved aside with its log, and the new book takes its place. No program,
-///    this one included, may have it open then.
+/// 3. One that is damaged is moved aside with its log, and the new book takes its place. No
+///    program, this one included, may have it open then.
 ///
 /// Throws `BackupError`, `FileError` or, when the present book cannot be written,
 /// `SQLiteDB::Error`; the present book is then as it was.
