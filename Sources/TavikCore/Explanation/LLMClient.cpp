@@ -217,13 +217,14 @@ ContextExplanation LLMClient::explain(const std::string& selection,
     if (response.status < firstSuccess || response.status > lastSuccess)
         throw LLMError::http(response.status, withoutKey(response.body));
     if (response.isCutOff) throw LLMError::badResponse(withoutKey(response.body));
-    std::string text;
+    // What is read at the moment, from outside in.
+    std::string text = response.body;
     try {
-        text = extractText(response.body);
+        text = extractText(text);
         return parseExplanation(text);
     } catch (const LLMError& error) {
         if (error.kind != LLMError::Kind::badResponse) throw;
-        throw LLMError::badResponse(withoutKey(text.empty() ? response.body : text));
+        throw LLMError::badResponse(withoutKey(text));
     }
 }
 

@@ -108,9 +108,10 @@ TEST_F(LLMClientTest, everyFailureHasItsKindAndMessage) {
     expectUnreadable("huge", "{" + repeated(199, " "));
     expectUnreadable("bomb", "{" + repeated(199, " "));
     expectUnreadable("chatty", "I am not sure, sorry.");
+    expectUnreadable("speechless", "");
     expectUnreadable("deep-text", repeated(40, R"({"a":)"));
     expectUnreadable("surrogate-text", R"({"meaning_in_context": "\ud800"})");
-    EXPECT_THAT(plain.requests(), testing::SizeIs(15)) << "a redirect is not followed";
+    EXPECT_THAT(plain.requests(), testing::SizeIs(16)) << "a redirect is not followed";
 
     EXPECT_STREQ(failureOf(messages("refusal")).what(), "模型拒绝回答");
     EXPECT_EQ(failureOf(messages("refusal")).kind, Kind::refused);
