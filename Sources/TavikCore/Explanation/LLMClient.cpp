@@ -53,20 +53,25 @@ json openAIBody(const LLMConfig& config, const std::string& prompt) {
             {"temperature", openAITemperature}};
 }
 
+bool isControl(char byte) {
+    return static_cast<unsigned char>(byte) < ' ' || byte == '\x7F';
+}
+
 /// The address of chat completions below `baseURL`; nothing when that is no address of the web.
 std::optional<std::string> openAIEndpoint(std::string baseURL) {
-    if (baseURL.ends_with('/')) baseURL.pop_back();
-    std::string endpoint = baseURL + "/chat/completions";
-    const auto url = URL::parse(endpoint);
+    const auto url = URL::parse(baseURL);
     const bool isWeb = url && (url->scheme == "https" || url->scheme == "http");
     if (!isWeb || url->host.empty()) return std::nullopt;
-    return endpoint;
+    // `parse` takes what browsers take, but a request cannot hold these.
+    if (baseURL.find(' ') != std::string::npos || std::ranges::any_of(baseURL, isControl))
+        return std::nullopt;
+    if (baseURL.ends_with('/')) baseURL.pop_back();
+    return baseURL + "/chat/completions";
 }
 
 /// Whether `key` may stand in a header: a line break would end it and begin another.
 bool isHeaderValue(std::string_view key) {
-    return std::ranges::none_of(
-        key, [](char byte) { return static_cast<unsigned char>(byte) < ' ' || byte == '\x7F'; });
+    return std::ranges::none_of(key, isControl);
 }
 
 HTTPRequest jsonRequest(std::string url, const json& body) {

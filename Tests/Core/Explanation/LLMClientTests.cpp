@@ -222,7 +222,8 @@ TEST(LLMClient, asksNobodyWithoutACompleteConfiguration) {
     };
     expectRefusal({Provider::none, "m", "https://example.com/v1", "sk"});
     for (const char* url : {"", "/v1", "example.com/v1", "localhost:11434/v1",
-                            "ftp://example.com/v1", "file:///v1", "https:///v1", "http://[::1/v1"})
+                            "ftp://example.com/v1", "file:///v1", "https:///v1", "http://[::1/v1",
+                            "https://", "https://example.com/v1\n", "http://my host/v1"})
         expectRefusal({Provider::openAICompatible, "m", url, "sk"});
     for (const Provider provider : {Provider::anthropic, Provider::openAICompatible})
         expectRefusal({provider, "m", "https://example.com/v1", "sk\r\nX-Injected: 1"});
