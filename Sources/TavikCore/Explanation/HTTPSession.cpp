@@ -61,7 +61,8 @@ std::string description(Kind kind, const std::string& detail) {
     case Kind::timedOut:
         return "请求超时，请稍后再试";
     case Kind::certificate:
-        return "服务器的证书不可信，没有发送请求。请检查网络、系统时间和 API 地址";
+        return "不能与服务器建立可信的安全连接（证书不可信，或者服务器不支持 HTTPS），没有发送"
+               "请求。请检查网络、系统时间和 API 地址";
     case Kind::interrupted:
         return "连接中断，没有收到完整的回答，请再试一次";
     case Kind::cancelled:
@@ -82,6 +83,8 @@ Kind kindOf(CURLcode result) {
     case CURLE_OPERATION_TIMEDOUT:
         return Kind::timedOut;
     case CURLE_PEER_FAILED_VERIFICATION:
+    // Also of a false signature in the name of a trusted authority.
+    case CURLE_SSL_CONNECT_ERROR:
     case CURLE_SSL_CACERT_BADFILE:
     case CURLE_SSL_ISSUER_ERROR:
         return Kind::certificate;

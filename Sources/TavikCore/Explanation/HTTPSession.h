@@ -35,6 +35,7 @@ public:
         cannotResolve,
         cannotConnect,
         timedOut,
+        /// No secure connection, or not with the server that was meant; nothing was sent.
         certificate,
         interrupted,
         cancelled,

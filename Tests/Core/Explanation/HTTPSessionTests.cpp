@@ -152,8 +152,12 @@ TEST_F(HTTPSessionTest, nothingIsSentToAServerWithoutATrustedCertificateOfThatNa
     expect(authority, "api.anthropic.com", 2 * day, trusted, true);
     expect(authority, "api.anthropic.com", day - 60, trusted, false);
     expect(authority, "api.example.com", 2 * day, trusted, false);
+    expect(TestAuthority("Tavik Test Authority"), "api.anthropic.com", 2 * day, trusted, false);
     expect(TestAuthority("Another Authority"), "api.anthropic.com", 2 * day, trusted, false);
     expect(authority, "api.anthropic.com", 2 * day, "", false);
+
+    const std::string httpOnly = "https://127.0.0.1:" + std::to_string(server.port());
+    EXPECT_EQ(failure(session, post(httpOnly)).kind, Kind::certificate);
 }
 
 TEST_F(HTTPSessionTest, aBodyIsReadUpToTheLimitAsItWillBeInMemory) {
