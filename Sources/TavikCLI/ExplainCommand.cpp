@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <iostream>
+#include <stdexcept>
 
 namespace tavik {
 
@@ -33,6 +34,7 @@ int ExplainCommand::run() const {
     const auto dictionary = openDictionaryIfAny(dictionaryPath);
     const LookupService service(dictionary.get(), *book);
     const LookupResult lookup = lookUpInContext(service, phraseOf(words), sentence).lookup;
+    if (lookup.selection.empty()) throw std::runtime_error("没有要说明的词");
     const ContextExplanation explanation = Explainer(service, *book, model).explain(lookup);
     if (asJSON) {
         std::cout << jsonLine(nlohmann::json(explanation)) << '\n';

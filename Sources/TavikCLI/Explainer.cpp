@@ -1,6 +1,9 @@
 #include "TavikCLI/Explainer.h"
 
 #include "Explanation/LLMError.h"
+#include "Text/Unicode.h"
+
+#include <iostream>
 
 namespace tavik {
 
@@ -20,6 +23,20 @@ ContextExplanation Explainer::explain(const LookupResult& lookup) {
         if (error.kind != LLMError::Kind::notConfigured) throw;
         throw std::runtime_error(std::string(error.what())
                                  + "：请用 --provider、--model 等选项或环境变量指定，见 --help");
+    }
+}
+
+std::optional<ContextExplanation> Explainer::explainOrReport(const LookupResult& lookup) {
+    const auto report = [&](const char* reason) {
+        std::cerr << printable(lookup.selection) << "：" << printable(reason) << '\n';
+        return std::nullopt;
+    };
+    try {
+        return explain(lookup);
+    } catch (const LLMError& error) {
+        return report(error.what());
+    } catch (const TransportError& error) {
+        return report(error.what());
     }
 }
 

@@ -15,6 +15,10 @@ public:
     /// As `LookupService::explain`; the key is asked for only when the answer is not known yet.
     ContextExplanation explain(const LookupResult& lookup);
 
+    /// The same, but when there is no answer this time, the reason is printed to standard error and
+    /// nothing comes back.
+    std::optional<ContextExplanation> explainOrReport(const LookupResult& lookup);
+
 private:
     const LookupService& service;
     const VocabularyStore& book;

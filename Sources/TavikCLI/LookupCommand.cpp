@@ -13,9 +13,18 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
 
 namespace tavik {
+namespace {
+
+/// Of two exit codes the one that tells of more: an error, then something not found.
+int worse(int one, int other) {
+    return one == exitError || other == exitError ? exitError : std::max(one, other);
+}
+
+} // namespace
 
 LookupCommand::LookupCommand(CLI::App& app)
     : Command(app, "lookup", "查单词或短语的释义、变形和例句") {
@@ -45,41 +54,47 @@ int LookupCommand::run() const {
 int LookupCommand::lookUpArguments(const LookupService& service, Explainer& explainer) const {
     const std::string phrase = phraseOf(words);
     if (words.size() == 1 || service.lookup(phrase, std::nullopt, {}).isWord)
-        return lookUp(service, explainer, phrase) ? exitOK : exitNotFound;
-    bool allFound = true;
+        return lookUp(service, explainer, phrase);
+    int code = exitOK;
     for (const std::string& word : words)
-        allFound = lookUp(service, explainer, word) && allFound;
-    return allFound ? exitOK : exitNotFound;
+        code = worse(code, lookUp(service, explainer, word));
+    return code;
 }
 
 int LookupCommand::lookUpLines(const LookupService& service, Explainer& explainer,
                                std::istream& input) const {
-    bool allFound = true;
+    int code = exitOK;
     forEachLine(input, [&](const std::string& line) {
-        allFound = lookUp(service, explainer, line) && allFound;
+        code = worse(code, lookUp(service, explainer, line));
     });
-    return allFound ? exitOK : exitNotFound;
+    return code;
 }
 
-bool LookupCommand::lookUp(const LookupService& service, Explainer& explainer,
-                           const std::string& selection) const {
+int LookupCommand::lookUp(const LookupService& service, Explainer& explainer,
+                          const std::string& selection) const {
     const WordInContext word = lookUpInContext(service, selection, sentence);
+    const Terminal terminal = Terminal::of(STDOUT_FILENO);
+    if (!asJSON) {
+        Report report(terminal);
+        addLookup(report, word);
+        // The entry is there at once, the model's answer when it comes.
+        std::cout << report.finished() << std::flush;
+    }
+    const auto explanation =
+        explains ? explainer.explainOrReport(word.lookup) : std::optional<ContextExplanation>();
     if (asJSON) {
         auto json = lookupJSON(word.lookup);
-        if (explains) json["explanation"] = nlohmann::json(explainer.explain(word.lookup));
+        if (explains) json["explanation"] = nullptr;
+        if (explanation) json["explanation"] = nlohmann::json(*explanation);
         std::cout << jsonLine(json) << '\n' << std::flush;
-        return word.lookup.isWord;
+    } else {
+        Report more(terminal);
+        if (explanation) addExplanation(more, *explanation);
+        more.line("");
+        std::cout << more.finished() << std::flush;
     }
-    const Terminal terminal = Terminal::of(STDOUT_FILENO);
-    Report report(terminal);
-    addLookup(report, word);
-    // The entry is there at once, the model's answer when it comes.
-    std::cout << report.finished() << std::flush;
-    Report more(terminal);
-    if (explains) addExplanation(more, explainer.explain(word.lookup));
-    more.line("");
-    std::cout << more.finished() << std::flush;
-    return word.lookup.isWord;
+    if (explains && !explanation) return exitError;
+    return word.lookup.isWord ? exitOK : exitNotFound;
 }
 
 } // namespace tavik

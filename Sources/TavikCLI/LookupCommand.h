@@ -23,9 +23,9 @@ public:
 private:
     int lookUpArguments(const LookupService& service, Explainer& explainer) const;
     int lookUpLines(const LookupService& service, Explainer& explainer, std::istream& input) const;
-    /// Looks one selection up and prints what was found; whether there was an entry.
-    bool lookUp(const LookupService& service, Explainer& explainer,
-                const std::string& selection) const;
+    /// Looks one selection up and prints what was found.
+    int lookUp(const LookupService& service, Explainer& explainer,
+               const std::string& selection) const;
 
     std::vector<std::string> words;
     std::string sentence;

@@ -146,6 +146,7 @@ void addLookup(Report& report, const WordInContext& word) {
 
 void addExplanation(Report& report, const ContextExplanation& explanation) {
     report.heading("在这句话里");
+    if (explanation.isEmpty()) report.paragraph("模型没有给出说明，可以再问一次", 2);
     report.paragraph(explanation.meaningInContext, 2);
     if (!explanation.translation.empty()) report.paragraph("译文：" + explanation.translation, 2);
     addExamples(report, explanation.examples);

@@ -4,6 +4,7 @@
 #include "TavikTerminal/SecretPrompt.h"
 
 #include <stdexcept>
+#include <utility>
 
 namespace tavik {
 namespace {
@@ -48,8 +49,11 @@ LLMConfig ModelOptions::config() const {
 std::string ModelOptions::apiKey() const {
     std::string known = environmentVariable("TAVIK_LLM_API_KEY").value_or("");
     const bool isNeeded = config().provider == Provider::anthropic;
-    if (!asksKey && (!known.empty() || !isNeeded)) return known;
-    return askSecret("API 密钥（输入时不显示）：").value_or("");
+    const bool mustAsk = asksKey || (isNeeded && known.empty());
+    if (!mustAsk || !canAsk()) return known;
+    auto answer = askSecret("API 密钥（输入时不显示）：");
+    if (!answer) throw std::runtime_error("没有输入 API 密钥，已取消");
+    return std::move(*answer);
 }
 
 const char* ModelOptions::help() {

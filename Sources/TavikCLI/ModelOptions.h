@@ -18,7 +18,7 @@ public:
     LLMConfig config() const;
 
     /// The key from the environment or, where the service wants one, from the person at the
-    /// terminal; empty when there is none.
+    /// terminal; empty when there is none. Throws a runtime error when the person does not answer.
     std::string apiKey() const;
 
     /// For the end of a command's help.

@@ -50,6 +50,10 @@ std::optional<std::string> readLine(KeyReader& keys) {
 
 } // namespace
 
+bool canAsk() {
+    return OwnTerminal().isOpen();
+}
+
 std::optional<std::string> askSecret(std::string_view question) {
     const OwnTerminal terminal;
     if (!terminal.isOpen()) return std::nullopt;

@@ -77,6 +77,11 @@ TEST_F(ExplainCommandTest, alongWithALookupTheEntryComesFirstAndStaysWhenTheMode
     EXPECT_THAT(failed.errors, HasSubstr("请求失败（HTTP 401）"));
     EXPECT_EQ(run({"lookup", "run"}, server.baseURL("success")).exitCode, 0);
     EXPECT_EQ(server.requests().size(), 2U) << "a plain lookup asks nobody";
+    const auto several =
+        run({"lookup", "mice", "go", "--explain", "--json"}, server.baseURL("too-many"));
+    EXPECT_EQ(several.exitCode, 1);
+    EXPECT_THAT(several.output, AllOf(HasSubstr(R"("lemma":"mouse")"), HasSubstr(R"("lemma":"go")"),
+                                      HasSubstr(R"("explanation":null)")));
 }
 
 TEST_F(ExplainCommandTest, aKeyIsAskedForUnseenAndLeavesNoTrace) {
@@ -88,6 +93,13 @@ TEST_F(ExplainCommandTest, aKeyIsAskedForUnseenAndLeavesNoTrace) {
     EXPECT_TRUE(asked.isRestored);
     EXPECT_EQ(asked.exitCode, 1) << "the server repeats the key in an error";
     EXPECT_THAT(asked.screen, AllOf(HasSubstr("请求失败"), Not(HasSubstr("sk-ty"))));
+    const auto cancelled = test::runInTerminal(
+        command({"explain", "run", "--ask-key"}, server.baseURL("success"), "sk-other"),
+        {{"密钥", "sk-\x03"}});
+    EXPECT_EQ(cancelled.exitCode, 1);
+    EXPECT_EQ(server.requests().size(), 1U) << "nothing is sent after Ctrl+C";
+    EXPECT_EQ(run({"explain", " "}, server.baseURL("success")).exitCode, 1);
+    EXPECT_EQ(server.requests().size(), 1U) << "nor for no word";
     EXPECT_THAT(run({"explain", "run", "--provider", "anthropic"}, "", "").errors,
                 HasSubstr("未配置大模型"));
     EXPECT_THAT(run({"explain", "run", "--provider", "oracle"}, "").errors, HasSubstr("oracle"));

@@ -69,6 +69,8 @@ ProcessResult runProcess(std::vector<std::string> command, const std::string& in
     const Pipe err;
     const pid_t child = fork();
     if (child == 0) {
+        // Without the terminal that the tests may have been started from.
+        setsid();
         dup2(in.readEnd(), STDIN_FILENO);
         dup2(out.writeEnd(), STDOUT_FILENO);
         dup2(err.writeEnd(), STDERR_FILENO);

@@ -37,6 +37,7 @@ TEXTS = {
     "thoughts-with-braces": f"<think>Like {{en, zh}}?</think>\n```json\n{EXPLANATION}\n```",
     "chatty": "I am not sure, sorry.",
     "speechless": "",
+    "empty-object": "Sorry. {}",
     "deep-text": '{"a":' * DEPTH + "1" + "}" * DEPTH,
     "surrogate-text": '{"meaning_in_context": "\\ud800"}',
 }

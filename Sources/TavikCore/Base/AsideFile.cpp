@@ -1,5 +1,7 @@
 #include "Base/AsideFile.h"
 
+#include "Base/Links.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -37,14 +39,14 @@ private:
     int number;
 };
 
-/// Where a file at `path` really lies, links followed.
+/// Where a file at `path` really lies. Throws when something else is there.
 std::filesystem::path placeOf(const std::filesystem::path& path) {
+    std::filesystem::path place = followingLinks(path);
     std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status)) return path;
-    if (!std::filesystem::is_regular_file(status))
+    const auto status = std::filesystem::status(place, error);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
         throw FileError(path.string() + " 不是普通文件，不能写在那里，请换一个文件名");
-    return std::filesystem::canonical(path);
+    return place;
 }
 
 } // namespace

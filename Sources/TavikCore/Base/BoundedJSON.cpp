@@ -6,6 +6,9 @@ namespace tavik {
 namespace {
 
 constexpr std::size_t maxDepth = 64;
+constexpr std::size_t maxValues = 100000;
+
+struct TooManyValues {};
 
 /// How deep brackets are nested, up to just above `maxDepth`; what stands in strings does not
 /// count.
@@ -31,9 +34,18 @@ std::size_t nesting(std::string_view text) {
 
 std::optional<nlohmann::json> parseBoundedJSON(std::string_view text) {
     if (nesting(text) > maxDepth) return std::nullopt;
-    auto json = nlohmann::json::parse(text, nullptr, false);
-    if (json.is_discarded()) return std::nullopt;
-    return json;
+    std::size_t count = 0;
+    const auto isFew = [&](int, nlohmann::json::parse_event_t, const nlohmann::json&) {
+        if (++count > maxValues) throw TooManyValues();
+        return true;
+    };
+    try {
+        auto json = nlohmann::json::parse(text, isFew, false);
+        if (json.is_discarded()) return std::nullopt;
+        return json;
+    } catch (const TooManyValues&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace tavik

@@ -15,6 +15,9 @@ struct ContextExplanation {
     std::string translation;
     std::vector<ExampleSentence> examples;
 
+    /// Whether it says nothing of the word.
+    bool isEmpty() const { return meaningInContext.empty() && translation.empty(); }
+
     bool operator==(const ContextExplanation&) const = default;
 };
 

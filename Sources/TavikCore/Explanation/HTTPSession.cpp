@@ -2,7 +2,9 @@
 
 #include "Base/Fatal.h"
 #include "Text/URL.h"
+#include "Text/Unicode.h"
 
+#include <arpa/inet.h>
 #include <curl/curl.h>
 
 #include <algorithm>
@@ -108,7 +110,12 @@ bool isForeignAnswer(CURLcode result) {
 /// A proxy, which the environment may name, cannot reach a server on this machine.
 bool isThisMachine(const std::string& address) {
     const auto url = URL::parse(address);
-    return url && (url->host == "localhost" || url->host == "::1" || url->host.starts_with("127."));
+    if (!url) return false;
+    std::string host = lowercased(url->host);
+    if (host.ends_with('.')) host.pop_back();
+    in_addr numbers{};
+    const bool isNumeric = inet_pton(AF_INET, host.c_str(), &numbers) == 1;
+    return host == "localhost" || host == "::1" || (isNumeric && host.starts_with("127."));
 }
 
 /// Runs one transfer until it ends; its result. Throws when `stop` is requested.
@@ -116,7 +123,8 @@ CURLcode perform(CURL* transfer, const std::stop_token& stop) {
     constexpr int longestWait = 1000;
     const Multi multi(curl_multi_init(), curl_multi_cleanup);
     if (!multi) throw std::bad_alloc();
-    curl_multi_add_handle(multi.get(), transfer);
+    if (const CURLMcode code = curl_multi_add_handle(multi.get(), transfer); code != CURLM_OK)
+        throw TransportError(Kind::other, curl_multi_strerror(code));
     const auto remove = [&](CURL* handle) { curl_multi_remove_handle(multi.get(), handle); };
     const std::unique_ptr<CURL, decltype(remove)> added(transfer, remove);
     const std::stop_callback wakeUp(stop, [&] { curl_multi_wakeup(multi.get()); });

@@ -2,6 +2,7 @@
 
 #include "Base/BoundedJSON.h"
 #include "Explanation/LLMError.h"
+#include "Text/CharacterClasses.h"
 #include "Text/URL.h"
 #include "Text/Unicode.h"
 
@@ -176,7 +177,10 @@ json makeSchema() {
 } // namespace
 
 LLMClient::LLMClient(LLMConfig config, const HTTPSession& session)
-    : settings(std::move(config)), session(session) {}
+    : settings(std::move(config)), session(session) {
+    // A key is often pasted with a line break, and blanks are lost on the way to the server.
+    settings.apiKey = std::string(trimmed(settings.apiKey, isWhiteSpace));
+}
 
 const json& LLMClient::schema() {
     static const json schema = makeSchema();
@@ -219,6 +223,7 @@ ContextExplanation LLMClient::explain(const std::string& selection,
                                       const std::optional<std::string>& sentence,
                                       const std::stop_token& stop) const {
     const HTTPResponse response = session.send(makeRequest(selection, sentence), stop);
+    if (stop.stop_requested()) throw TransportError(TransportError::Kind::cancelled);
     if (response.status < firstSuccess || response.status > lastSuccess)
         throw LLMError::http(response.status, withoutKey(response.body));
     if (response.isCutOff) throw LLMError::badResponse(withoutKey(response.body));
@@ -235,7 +240,9 @@ ContextExplanation LLMClient::explain(const std::string& selection,
 
 std::string LLMClient::withoutKey(std::string_view text) const {
     if (settings.apiKey.empty()) return std::string(text);
-    return replacingAll(text, settings.apiKey, "***");
+    // As it is, and as JSON may write it.
+    const std::string escaped = replacingAll(settings.apiKey, "/", "\\/");
+    return replacingAll(replacingAll(text, settings.apiKey, "***"), escaped, "***");
 }
 
 std::string LLMClient::extractText(std::string_view data) const {

@@ -85,7 +85,7 @@ ContextExplanation LookupService::explain(const LookupResult& result, const LLMC
     if (auto known = store.cachedExplanation(key)) return std::move(*known);
     if (!client.config().isUsable()) throw LLMError::notConfigured();
     auto explanation = client.explain(result.selection, result.sentence, stop);
-    store.cacheExplanation(explanation, key, currentDate());
+    if (!explanation.isEmpty()) store.cacheExplanation(explanation, key, currentDate());
     return explanation;
 }
 

@@ -55,7 +55,8 @@ public:
                                 const std::optional<std::string>& sentence);
 
     /// What the selection means in its sentence: as it was told once, else as `client`'s model
-    /// tells it, which is then kept for ever. Throws what `LLMClient::explain` throws.
+    /// tells it, which is then kept for ever unless it is empty. Throws what `LLMClient::explain`
+    /// throws.
     ContextExplanation explain(const LookupResult& result, const LLMClient& client,
                                const std::stop_token& stop = {}) const;
 

@@ -1,5 +1,7 @@
 #include "Vocabulary/EmptiedBook.h"
 
+#include "Base/Links.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
@@ -18,8 +20,7 @@ std::uintmax_t sizeOf(const std::string& path) {
 
 bool isEmptiedBook(const std::string& path) {
     // SQLite, too, follows links before it looks for the log.
-    std::error_code ignored;
-    const std::string place = std::filesystem::weakly_canonical(path, ignored).string();
+    const std::string place = followingLinks(path).string();
     // The log first: a program that is creating the book writes the file before it.
     return sizeOf(place + "-wal") > 0 && sizeOf(place) == 0;
 }

@@ -1,6 +1,7 @@
 #include "Vocabulary/VocabularyBackup.h"
 
 #include "Base/AsideFile.h"
+#include "Base/Links.h"
 #include "Storage/SQLiteDB.h"
 #include "Vocabulary/BookFailure.h"
 #include "Vocabulary/EmptiedBook.h"
@@ -41,13 +42,6 @@ bool isThere(const fs::path& path) {
 bool existsAnyPart(const fs::path& book) {
     return std::ranges::any_of(bookEndings,
                                [&](const char* ending) { return isThere(book.string() + ending); });
-}
-
-/// Where a book really lies: SQLite, too, follows links, and keeps the log there.
-fs::path placeOf(const fs::path& book) {
-    std::error_code error;
-    fs::path place = fs::weakly_canonical(book, error);
-    return error ? book : place;
 }
 
 /// Whether another program has the book open: it then holds a lock on bytes that SQLite reserves.
@@ -149,6 +143,8 @@ void makeBook(const fs::path& target, const fs::path& backup) {
     try {
         SQLiteDB from(backup.string(), true);
         SQLiteDB to(target.string(), false);
+        // Without a log of its own, so that the file is whole once the transaction is committed.
+        to.execute("PRAGMA journal_mode=DELETE");
         to.execute(VocabularySchema::creation);
         to.transaction([&] {
             for (const auto& [name, columns] : VocabularySchema::tables) {
@@ -264,9 +260,9 @@ BookCounts checkBook(const fs::path& path) {
 }
 
 void requireOutsideBook(const fs::path& target, const fs::path& book) {
-    const std::string place = placeOf(book).string();
+    const std::string place = followingLinks(book).string();
     for (const char* const ending : bookEndings)
-        if (areSame(target, place + ending) || placeOf(target) == place + ending)
+        if (areSame(target, place + ending) || followingLinks(target) == place + ending)
             throw BackupError(target.string() + " 就是生词本自己，请换一个文件名");
 }
 
@@ -276,7 +272,7 @@ BookCounts backUpBook(const VocabularyStore& store, const fs::path& book, const 
     if (overwrite == Overwrite::no && isThere(target))
         throw BackupError(target.string() + " 已经存在，请换一个文件名，或者加上 --force 覆盖它");
     for (const char* const ending : {"-wal", "-journal"})
-        if (isThere(placeOf(target).string() + ending))
+        if (isThere(followingLinks(target).string() + ending))
             throw BackupError(target.string() + " 旁边有它的 " + ending
                               + " 文件，可能正被另一个程序使用，请换一个文件名");
     const DirectoryLock lock(directoryOf(target));
@@ -292,7 +288,7 @@ BookCounts backUpBook(const VocabularyStore& store, const fs::path& book, const 
 }
 
 Restored restoreBook(const fs::path& backup, const fs::path& book, Date now) {
-    const fs::path place = placeOf(book);
+    const fs::path place = followingLinks(book);
     if (areSame(backup, place)) throw BackupError(backup.string() + " 就是现在的生词本，不必恢复");
     if (areSame(backup, AsideFile::placeFor(place)))
         throw BackupError(backup.string() + " 是没有写完的文件，请把它改名再试");

@@ -124,6 +124,20 @@ TEST_F(LLMClientTest, theKeyIsInNoMessageEvenWhenTheServerRepeatsIt) {
     expectFailure("tell-tale-text", Kind::badResponse, 0, unreadable + "Your key is ***.");
 }
 
+TEST_F(LLMClientTest, aKeyPastedWithBlanksIsSentAndStruckOutWithoutThem) {
+    LLMConfig config = chat("tell-tale").config();
+    config.apiKey = " sk-pasted/1 \n";
+    const auto error = failureOf(LLMClient(config, session));
+    EXPECT_EQ(plain.requests().back().headers.at("authorization"), "Bearer sk-pasted/1");
+    EXPECT_THAT(error.what(), testing::Not(testing::HasSubstr("sk-")));
+}
+
+TEST_F(LLMClientTest, aTextOfVeryManyValuesIsNotReadToItsEnd) {
+    EXPECT_THROW(LLMClient::parseExplanation(R"({"a":[)" + repeated(200000, "1,") + "1]}"),
+                 LLMError);
+    EXPECT_NO_THROW(LLMClient::parseExplanation(R"({"a":[)" + repeated(2000, "1,") + "1]}"));
+}
+
 TEST_F(LLMClientTest, asksOverChatCompletions) {
     LLMConfig config = chat("good").config();
     LLMClient(config, session).explain("gave up", "She gave up.");

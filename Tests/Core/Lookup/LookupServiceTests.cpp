@@ -1,9 +1,13 @@
 #include "Explanation/LLMError.h"
 #include "Lookup/LookupService.h"
 #include "Support/Book.h"
+#include "Support/LoopbackServer.h"
 #include "Support/SampleDictionary.h"
 
 #include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
 
 namespace tavik {
 namespace {
@@ -104,6 +108,29 @@ TEST_F(LookupServiceTest, aKnownExplanationNeedsNeitherModelNorNetwork) {
     }
     book.cacheExplanation(explanation, LookupService::cacheKey("run", "I run."), day(0));
     EXPECT_EQ(service.explain(service.lookup("RUN ", "I run.", {}), nobody), explanation);
+}
+
+TEST_F(LookupServiceTest, whatTheModelSaysIsKeptUnlessItFailsOrSaysNothing) {
+    const test::LoopbackServer server;
+    const auto ask = [&](const std::string& scenario) {
+        const LLMClient client(
+            {LLMConfig::Provider::openAICompatible, "m", server.baseURL(scenario), ""}, session);
+        return service.explain(service.lookup("run", "I run.", {}), client);
+    };
+    EXPECT_THROW(ask("too-many"), LLMError);
+    EXPECT_TRUE(ask("empty-object").isEmpty());
+    const std::string key = LookupService::cacheKey("run", "I run.");
+    EXPECT_EQ(book.cachedExplanation(key), std::nullopt);
+    // Several ask at once over one session.
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] { EXPECT_FALSE(ask("success").isEmpty()); });
+    threads.clear();
+    const auto kept = book.cachedExplanation(key);
+    ASSERT_TRUE(kept);
+    const std::size_t asked = server.requests().size();
+    EXPECT_EQ(ask("too-many"), *kept);
+    EXPECT_EQ(server.requests().size(), asked);
 }
 
 } // namespace

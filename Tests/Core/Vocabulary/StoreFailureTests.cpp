@@ -191,6 +191,7 @@ TEST_F(StoreFailureTest, anEmptiedFileBesideAFullLogIsNotOpened) {
     EXPECT_THROW(VocabularyStore{directory.file("link")}, EmptiedBookError);
     std::filesystem::remove(path);
     EXPECT_THROW(VocabularyStore{path}, EmptiedBookError) << "a missing file is as bad";
+    EXPECT_THROW(VocabularyStore{directory.file("link")}, EmptiedBookError) << "also behind a link";
     EXPECT_EQ(test::readFile(log), "the last words");
     EXPECT_FALSE(isEmptiedBook(directory.file("none")));
 }
