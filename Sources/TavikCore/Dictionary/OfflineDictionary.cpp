@@ -2,6 +2,7 @@
 
 #include "Base/Fatal.h"
 #include "Dictionary/DictionarySQL.h"
+#include "Dictionary/Exchange.h"
 #include "Text/CharacterClasses.h"
 #include "Text/TextUtil.h"
 #include "Text/Unicode.h"
@@ -42,17 +43,6 @@ std::vector<std::string> tags(std::string_view text) {
     return {pieces.begin(), pieces.end()};
 }
 
-std::map<std::string, std::string> exchange(std::string_view text) {
-    std::map<std::string, std::string> forms;
-    for (const std::string_view item : split(text, [](char32_t scalar) { return scalar == '/'; })) {
-        const std::size_t colon = item.find(':');
-        if (colon == std::string_view::npos || colon == 0 || colon + 1 == item.size()) continue;
-        forms.insert_or_assign(std::string(item.substr(0, colon)),
-                               std::string(item.substr(colon + 1)));
-    }
-    return forms;
-}
-
 DictEntry makeEntry(const SQLiteDB::Row& row) {
     DictEntry entry;
     entry.word = textOrEmpty(row, "word");
@@ -62,7 +52,7 @@ DictEntry makeEntry(const SQLiteDB::Row& row) {
     entry.tags = tags(textOrEmpty(row, "tag"));
     entry.collins = smallNumber(row, "collins");
     entry.oxford = smallNumber(row, "oxford") == 1;
-    entry.exchange = exchange(textOrEmpty(row, "exchange"));
+    entry.exchange = parseExchange(textOrEmpty(row, "exchange"));
     return entry;
 }
 
