@@ -13,6 +13,7 @@
     )
     test_packages=(libgtest-dev libgmock-dev clang-format clang-tidy shellcheck git)
     benchmark_packages=(sdcv)
+    fuzz_packages=(clang-14 libclang-rt-14-dev)
 }
 # A command that is on PATH already, wherever it comes from, needs no package.
 command -v npm >/dev/null || run_packages+=(npm)
