@@ -34,6 +34,13 @@ LookupCommand::LookupCommand(CLI::App& app)
         ->option_text("文字");
     addDictionaryOption(dictionaryPath);
     addJSONFlag(asJSON, "每个结果输出一行 JSON");
+    options().add_flag("--videos", showsVideos, "再列出读到它的视频片段的网址");
+    options()
+        .add_option("--accent", accentName, "YouGlish 的口音：us（默认）、uk 或 aus")
+        ->option_text("口音")
+        ->check([](const std::string& name) {
+            return accentFromRawValue(name) ? "" : "只能是 us、uk 或 aus";
+        });
     options().add_flag("--explain", explains, "再请大模型说明它在句子里的意思");
     model.addTo(options());
     options().footer("几个词先合起来当作短语查；词典里没有这个短语时，逐个查。\n"
@@ -49,6 +56,10 @@ int LookupCommand::run() const {
     if (!words.empty()) return lookUpArguments(service, explainer);
     if (isatty(STDIN_FILENO) == 1) std::cerr << "请输入要查的词，每行一个，按 Ctrl+D 结束。\n";
     return lookUpLines(service, explainer, std::cin);
+}
+
+Accent LookupCommand::accent() const {
+    return accentFromRawValue(accentName).value_or(Accent::us);
 }
 
 int LookupCommand::lookUpArguments(const LookupService& service, Explainer& explainer) const {
@@ -77,6 +88,7 @@ int LookupCommand::lookUp(const LookupService& service, Explainer& explainer,
     if (!asJSON) {
         Report report(terminal);
         addLookup(report, word);
+        if (showsVideos) addVideos(report, word.lookup, accent());
         // The entry is there at once, the model's answer when it comes.
         std::cout << report.finished() << std::flush;
     }
@@ -84,6 +96,7 @@ int LookupCommand::lookUp(const LookupService& service, Explainer& explainer,
         explains ? explainer.explainOrReport(word.lookup) : std::optional<ContextExplanation>();
     if (asJSON) {
         auto json = lookupJSON(word.lookup);
+        if (showsVideos) json["videos"] = videosJSON(word.lookup, accent());
         if (explains) json["explanation"] = nullptr;
         if (explanation) json["explanation"] = nlohmann::json(*explanation);
         std::cout << jsonLine(json) << '\n' << std::flush;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Lookup/VideoLinks.h"
 #include "TavikCLI/Command.h"
 #include "TavikCLI/ModelOptions.h"
 
@@ -21,9 +22,10 @@ public:
     int run() const override;
 
 private:
+    Accent accent() const;
     int lookUpArguments(const LookupService& service, Explainer& explainer) const;
     int lookUpLines(const LookupService& service, Explainer& explainer, std::istream& input) const;
-    /// Looks one selection up and prints what was found.
+    /// Looks one selection up and prints what was found; the exit code.
     int lookUp(const LookupService& service, Explainer& explainer,
                const std::string& selection) const;
 
@@ -32,6 +34,8 @@ private:
     std::string dictionaryPath;
     bool asJSON = false;
     bool explains = false;
+    bool showsVideos = false;
+    std::string accentName = "us";
     ModelOptions model;
 };
 

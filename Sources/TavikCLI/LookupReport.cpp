@@ -144,6 +144,21 @@ void addLookup(Report& report, const WordInContext& word) {
     if (context) addContext(report, *context);
 }
 
+nlohmann::ordered_json videosJSON(const LookupResult& lookup, Accent accent) {
+    nlohmann::ordered_json videos;
+    for (const VideoSource source : allVideoSources)
+        videos[std::string(rawValue(source))] =
+            VideoLinks::url(lookup.headword(), source, accent).value_or("");
+    return videos;
+}
+
+void addVideos(Report& report, const LookupResult& lookup, Accent accent) {
+    report.heading("视频例句");
+    for (const VideoSource source : allVideoSources)
+        if (const auto address = VideoLinks::url(lookup.headword(), source, accent))
+            report.line("  " + padded(std::string(label(source)), 30) + *address);
+}
+
 void addExplanation(Report& report, const ContextExplanation& explanation) {
     report.heading("在这句话里");
     if (explanation.isEmpty()) report.paragraph("模型没有给出说明，可以再问一次", 2);

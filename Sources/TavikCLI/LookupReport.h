@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Lookup/LookupService.h"
+#include "Lookup/VideoLinks.h"
 #include "TavikTerminal/Report.h"
 #include "Text/TextUtil.h"
 
@@ -34,6 +35,10 @@ nlohmann::ordered_json lookupJSON(const LookupResult& lookup);
 
 /// Adds the result for a person.
 void addLookup(Report& report, const WordInContext& word);
+
+/// The addresses of video clips with the word, by site.
+nlohmann::ordered_json videosJSON(const LookupResult& lookup, Accent accent);
+void addVideos(Report& report, const LookupResult& lookup, Accent accent);
 
 /// Adds what the language model says of the word.
 void addExplanation(Report& report, const ContextExplanation& explanation);

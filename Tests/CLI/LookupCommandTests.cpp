@@ -61,6 +61,15 @@ TEST_F(LookupCommandTest, severalWordsAreAPhraseOrElseLookedUpOneByOne) {
     EXPECT_THAT(lemmas, testing::ElementsAre("mouse", "give up", "你好"));
 }
 
+TEST_F(LookupCommandTest, videosAreAddressesOfTheHeadword) {
+    const auto word =
+        json::parse(lookUp({"gave up", "--videos", "--accent", "uk", "--json"}).output);
+    EXPECT_EQ(word["videos"]["youglish"], "https://youglish.com/pronounce/give%20up/english/uk");
+    EXPECT_EQ(word["videos"].size(), 3U);
+    EXPECT_THAT(lookUp({"run", "--videos"}).output, HasSubstr("yarn-find?text=run\n"));
+    EXPECT_EQ(lookUp({"run", "--accent", "mars"}).exitCode, 1);
+}
+
 TEST_F(LookupCommandTest, jsonHoldsEveryField) {
     const auto run = json::parse(
         lookUp({"--json", "Running", "--sentence", "One. He was running\nlate. Two."}).output);
