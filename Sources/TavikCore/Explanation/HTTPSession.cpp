@@ -184,7 +184,7 @@ HTTPResponse HTTPSession::send(const HTTPRequest& request, const std::stop_token
     set(CURLOPT_QUICK_EXIT, 1L);
     set(CURLOPT_WRITEFUNCTION, takeBody);
     set(CURLOPT_WRITEDATA, &incoming);
-    if (isThisMachine(request.url)) set(CURLOPT_PROXY, "");
+    if (!options.connectTo.empty() || isThisMachine(request.url)) set(CURLOPT_PROXY, "");
     if (!options.certificateAuthority.empty())
         set(CURLOPT_CAINFO, options.certificateAuthority.c_str());
 

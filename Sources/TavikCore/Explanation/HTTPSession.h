@@ -56,7 +56,7 @@ public:
         /// A file of certificates to trust in place of the system's.
         std::string certificateAuthority;
         /// Where to connect in place of a request's own host, as curl's "connect-to" has it:
-        /// "host:port:address:port".
+        /// "host:port:address:port". With any of them, the environment's proxy is not used.
         std::vector<std::string> connectTo;
         std::size_t maxBodySize = std::size_t{8} * 1024 * 1024;
     };

@@ -1,4 +1,5 @@
 #include "Explanation/HTTPSession.h"
+#include "Support/ChildProcess.h"
 #include "Support/LoopbackServer.h"
 #include "Support/TestCertificates.h"
 
@@ -10,6 +11,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <string_view>
@@ -172,6 +174,15 @@ TEST_F(HTTPSessionTest, aBodyIsReadUpToTheLimitAsItWillBeInMemory) {
     options.maxBodySize = whole.body.size();
     EXPECT_EQ(HTTPSession(options).send(post(chat("good"))).body, whole.body);
     EXPECT_FALSE(HTTPSession(options).send(post(chat("good"))).isCutOff);
+}
+
+TEST_F(HTTPSessionTest, aProxyHasNoPartInWhatIsOnThisMachine) {
+    const auto self = std::filesystem::read_symlink("/proc/self/exe").string();
+    const auto behindProxy =
+        runProcess({"/usr/bin/env", "all_proxy=http://127.0.0.1:1", self,
+                    "--gtest_filter=HTTPSessionTest.aFailure*:HTTPSessionTest.aBody*"});
+    EXPECT_EQ(behindProxy.exitCode, 0) << behindProxy.output;
+    EXPECT_THAT(behindProxy.output, HasSubstr("PASSED  ] 2 tests"));
 }
 
 TEST_F(HTTPSessionTest, stopsAtOnceWhateverItWaitsFor) {
