@@ -1,30 +1,19 @@
 #include "Explanation/LLMConfig.h"
 
-#include <nlohmann/json.hpp>
+#include "Base/EnumTexts.h"
 
-#include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace tavik {
 namespace {
 
 using Provider = LLMConfig::Provider;
 
-struct ProviderTexts {
-    Provider provider;
-    std::string_view rawValue;
-    std::string_view label;
-};
-
-constexpr std::array providerTexts{
-    ProviderTexts{Provider::none, "none", "不使用"},
-    ProviderTexts{Provider::anthropic, "anthropic", "Anthropic Claude"},
-    ProviderTexts{Provider::openAICompatible, "openAICompatible",
-                  "OpenAI 兼容（OpenAI / DeepSeek / Ollama…）"},
-};
-
-const ProviderTexts& texts(Provider provider) {
-    return providerTexts.at(static_cast<std::size_t>(provider));
-}
+constexpr EnumTable<Provider, 3> providerTexts{
+    {{Provider::none, "none", "不使用"},
+     {Provider::anthropic, "anthropic", "Anthropic Claude"},
+     {Provider::openAICompatible, "openAICompatible",
+      "OpenAI 兼容（OpenAI / DeepSeek / Ollama…）"}}};
 
 } // namespace
 
@@ -41,17 +30,15 @@ bool LLMConfig::isUsable() const {
 }
 
 std::string_view rawValue(Provider provider) {
-    return texts(provider).rawValue;
+    return textsOf(providerTexts, provider).rawValue;
 }
 
 std::optional<Provider> providerFromRawValue(std::string_view text) {
-    const auto* const found = std::ranges::find(providerTexts, text, &ProviderTexts::rawValue);
-    if (found == providerTexts.end()) return std::nullopt;
-    return found->provider;
+    return caseWithRawValue(providerTexts, text);
 }
 
 std::string_view label(Provider provider) {
-    return texts(provider).label;
+    return textsOf(providerTexts, provider).label;
 }
 
 void to_json(nlohmann::json& json, const LLMConfig& config) {

@@ -1,41 +1,27 @@
 #include "Learning/Card.h"
 
-#include <algorithm>
+#include "Base/EnumTexts.h"
 
 namespace tavik {
 namespace {
 
-struct StateTexts {
-    CardState state;
-    std::string_view rawValue;
-    std::string_view label;
-};
-
-constexpr std::array stateTexts{
-    StateTexts{CardState::new_, "new", "新词"},
-    StateTexts{CardState::learning, "learning", "学习中"},
-    StateTexts{CardState::review, "review", "复习中"},
-    StateTexts{CardState::relearning, "relearning", "重新学习"},
-};
-
-const StateTexts& texts(CardState state) {
-    return stateTexts.at(static_cast<std::size_t>(state));
-}
+constexpr EnumTable<CardState, 4> stateTexts{{{CardState::new_, "new", "新词"},
+                                              {CardState::learning, "learning", "学习中"},
+                                              {CardState::review, "review", "复习中"},
+                                              {CardState::relearning, "relearning", "重新学习"}}};
 
 } // namespace
 
 std::string_view rawValue(CardState state) {
-    return texts(state).rawValue;
+    return textsOf(stateTexts, state).rawValue;
 }
 
 std::string_view label(CardState state) {
-    return texts(state).label;
+    return textsOf(stateTexts, state).label;
 }
 
 std::optional<CardState> cardStateFromRawValue(std::string_view text) {
-    const auto* const found = std::ranges::find(stateTexts, text, &StateTexts::rawValue);
-    if (found == stateTexts.end()) return std::nullopt;
-    return found->state;
+    return caseWithRawValue(stateTexts, text);
 }
 
 std::optional<Rating> ratingFromRawValue(std::int64_t value) {

@@ -1,32 +1,20 @@
 #include "Lookup/VideoLinks.h"
 
+#include "Base/EnumTexts.h"
 #include "Text/CharacterClasses.h"
 #include "Text/URL.h"
 #include "Text/Unicode.h"
 
-#include <algorithm>
-
 namespace tavik {
 namespace {
 
-template<typename Choice>
-struct Texts {
-    Choice choice;
-    std::string_view rawValue;
-    std::string_view label;
-};
+constexpr EnumTable<VideoSource, 3> sourceTexts{
+    {{VideoSource::youglish, "youglish", "YouGlish（YouTube 真人片段）"},
+     {VideoSource::playphrase, "playphrase", "PlayPhrase（影视片段）"},
+     {VideoSource::yarn, "yarn", "Yarn（影视片段）"}}};
 
-constexpr std::array sourceTexts{
-    Texts<VideoSource>{VideoSource::youglish, "youglish", "YouGlish（YouTube 真人片段）"},
-    Texts<VideoSource>{VideoSource::playphrase, "playphrase", "PlayPhrase（影视片段）"},
-    Texts<VideoSource>{VideoSource::yarn, "yarn", "Yarn（影视片段）"},
-};
-
-constexpr std::array accentTexts{
-    Texts<Accent>{Accent::us, "us", "美音"},
-    Texts<Accent>{Accent::uk, "uk", "英音"},
-    Texts<Accent>{Accent::aus, "aus", "澳音"},
-};
+constexpr EnumTable<Accent, 3> accentTexts{
+    {{Accent::us, "us", "美音"}, {Accent::uk, "uk", "英音"}, {Accent::aus, "aus", "澳音"}}};
 
 constexpr const char* youglishOrigin = "https://youglish.com";
 constexpr const char* playphraseOrigin = "https://www.playphrase.me";
@@ -36,38 +24,30 @@ constexpr const char* yarnOrigin = "https://getyarn.io";
 constexpr std::string_view pathAllowed = "-._~!$&'()*+,;=:@";
 constexpr std::string_view queryAllowed = "-._~!$'()*,;:@/?";
 
-template<typename Choice, std::size_t count>
-std::optional<Choice> choiceWith(const std::array<Texts<Choice>, count>& texts,
-                                 std::string_view rawValue) {
-    const auto* const found = std::ranges::find(texts, rawValue, &Texts<Choice>::rawValue);
-    if (found == texts.end()) return std::nullopt;
-    return found->choice;
-}
-
 } // namespace
 
 std::string_view rawValue(VideoSource source) {
-    return sourceTexts.at(static_cast<std::size_t>(source)).rawValue;
+    return textsOf(sourceTexts, source).rawValue;
 }
 
 std::string_view rawValue(Accent accent) {
-    return accentTexts.at(static_cast<std::size_t>(accent)).rawValue;
+    return textsOf(accentTexts, accent).rawValue;
 }
 
 std::optional<VideoSource> videoSourceFromRawValue(std::string_view text) {
-    return choiceWith(sourceTexts, text);
+    return caseWithRawValue(sourceTexts, text);
 }
 
 std::optional<Accent> accentFromRawValue(std::string_view text) {
-    return choiceWith(accentTexts, text);
+    return caseWithRawValue(accentTexts, text);
 }
 
 std::string_view label(VideoSource source) {
-    return sourceTexts.at(static_cast<std::size_t>(source)).label;
+    return textsOf(sourceTexts, source).label;
 }
 
 std::string_view label(Accent accent) {
-    return accentTexts.at(static_cast<std::size_t>(accent)).label;
+    return textsOf(accentTexts, accent).label;
 }
 
 std::optional<std::string> VideoLinks::url(std::string_view word, VideoSource source,
