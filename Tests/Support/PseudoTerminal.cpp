@@ -2,13 +2,13 @@
 
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utmp.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstring>
 #include <stdexcept>
 
 namespace tavik::test {
@@ -23,6 +23,15 @@ constexpr int patienceMilliseconds = 10000;
     arguments.push_back(nullptr);
     execv(arguments.front(), arguments.data());
     _exit(127);
+}
+
+/// Makes `far` the terminal of this process.
+void takeTerminal(int far) {
+    setsid();
+    ioctl(far, TIOCSCTTY, 0);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        dup2(far, stream);
+    close(far);
 }
 
 /// Appends what the program prints; false when it has ended or keeps silent.
@@ -51,7 +60,7 @@ int awaitEnd(pid_t child, int terminal, std::string& screen) {
 bool areEqual(const termios& one, const termios& other) {
     return one.c_iflag == other.c_iflag && one.c_oflag == other.c_oflag
            && one.c_lflag == other.c_lflag && one.c_cflag == other.c_cflag
-           && std::memcmp(one.c_cc, other.c_cc, sizeof one.c_cc) == 0;
+           && std::ranges::equal(one.c_cc, other.c_cc);
 }
 
 } // namespace
@@ -68,7 +77,7 @@ TerminalResult runInTerminal(std::vector<std::string> command,
     const pid_t child = fork();
     if (child == 0) {
         close(terminal);
-        login_tty(far);
+        takeTerminal(far);
         become(std::move(command));
     }
 
