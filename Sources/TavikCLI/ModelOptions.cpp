@@ -1,6 +1,7 @@
 #include "TavikCLI/ModelOptions.h"
 
 #include "Base/DataDirectory.h"
+#include "Base/PreferencesFile.h"
 #include "TavikTerminal/SecretPrompt.h"
 
 #include <stdexcept>
@@ -15,8 +16,23 @@ std::string orEnvironment(const std::string& given, const char* variable) {
     return given.empty() ? environmentVariable(variable).value_or("") : given;
 }
 
+void replaceIfNamed(std::string& value, const std::string& named) {
+    if (!named.empty()) value = named;
+}
+
+/// What the user has chosen in the application.
+LLMConfig preferredModel() {
+    const Preferences preferences = PreferencesFile(preferencesPath(environmentVariable)).values();
+    const auto text = [&](const char* key) { return preferences.text(key).value_or(""); };
+    LLMConfig config;
+    config.provider =
+        providerFromRawValue(text(PreferenceKeys::llmProvider)).value_or(Provider::none);
+    config.model = text(PreferenceKeys::llmModel);
+    config.baseURL = text(PreferenceKeys::llmBaseURL);
+    return config;
+}
+
 Provider providerNamed(const std::string& name) {
-    if (name.empty()) return Provider::none;
     if (name == "openai") return Provider::openAICompatible;
     const auto provider = providerFromRawValue(name);
     if (!provider)
@@ -38,9 +54,13 @@ void ModelOptions::addTo(CLI::App& command) {
 
 LLMConfig ModelOptions::config() const {
     LLMConfig config;
-    config.provider = providerNamed(orEnvironment(provider, "TAVIK_LLM_PROVIDER"));
-    config.model = orEnvironment(model, "TAVIK_LLM_MODEL");
-    config.baseURL = orEnvironment(baseURL, "TAVIK_LLM_BASE_URL");
+    const std::string name = orEnvironment(provider, "TAVIK_LLM_PROVIDER");
+    if (name.empty())
+        config = preferredModel();
+    else
+        config.provider = providerNamed(name);
+    replaceIfNamed(config.model, orEnvironment(model, "TAVIK_LLM_MODEL"));
+    replaceIfNamed(config.baseURL, orEnvironment(baseURL, "TAVIK_LLM_BASE_URL"));
     if (config.provider == Provider::openAICompatible && config.baseURL.empty())
         config.baseURL = LLMConfig::defaultOpenAIBaseURL;
     return config;
@@ -58,7 +78,7 @@ std::string ModelOptions::apiKey() const {
 
 const char* ModelOptions::help() {
     return "没有给出的选项取自环境变量 TAVIK_LLM_PROVIDER、TAVIK_LLM_MODEL 和 "
-           "TAVIK_LLM_BASE_URL，\n"
+           "TAVIK_LLM_BASE_URL，再没有就照 Tavik 的设置。\n"
            "API 密钥取自 TAVIK_LLM_API_KEY，或者在终端里询问。问过的不会再问，直接显示记下的答案。";
 }
 

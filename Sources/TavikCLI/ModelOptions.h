@@ -8,7 +8,8 @@
 
 namespace tavik {
 
-/// The options that choose a language model. What is not given is taken from the environment. The
+/// The options that choose a language model. What is not given is taken from the environment, and a
+/// provider that neither names from the user's preferences, with the model and address there. The
 /// API key is never an option: other users of the machine can read a command line.
 class ModelOptions {
 public:

@@ -1,9 +1,9 @@
 #include "TavikCLI/ReviewCommand.h"
 
+#include "Base/PreferencesFile.h"
 #include "Dictionary/OfflineDictionary.h"
-#include "Learning/FSRSScheduler.h"
-#include "Learning/FixedIntervalScheduler.h"
 #include "Learning/IntervalLabel.h"
+#include "Learning/SchedulerKind.h"
 #include "TavikCLI/Book.h"
 #include "TavikCLI/DictionaryFile.h"
 #include "TavikCLI/ReviewSession.h"
@@ -153,13 +153,15 @@ private:
 ReviewCommand::ReviewCommand(CLI::App& app)
     : Command(app, "review", "复习到期的单词：空格看答案，1 到 4 打分，q 结束") {
     options()
-        .add_option("--scheduler", schedulerName, "fsrs（记忆曲线，默认）或 fixed（固定间隔）")
+        .add_option("--scheduler", schedulerName,
+                    "fsrs（记忆曲线）或 fixed（固定间隔），默认照 Tavik 的设置")
         ->option_text("名称")
         ->check([](const std::string& name) {
-            return name == "fsrs" || name == "fixed" ? "" : "只能是 fsrs 或 fixed";
+            return schedulerKindFromRawValue(name) ? "" : "只能是 fsrs 或 fixed";
         });
     options()
-        .add_option("--retention", retention, "fsrs 希望到期时还记得的比例，0.7 到 0.97，默认 0.9")
+        .add_option("--retention", retention,
+                    "fsrs 希望到期时还记得的比例，0.7 到 0.97，默认照 Tavik 的设置")
         ->option_text("比例")
         ->check(within(minRetention, maxRetention, "应在 0.7 到 0.97 之间"));
     options()
@@ -171,8 +173,10 @@ ReviewCommand::ReviewCommand(CLI::App& app)
 }
 
 std::unique_ptr<Scheduler> ReviewCommand::scheduler() const {
-    if (schedulerName == "fixed") return std::make_unique<FixedIntervalScheduler>();
-    return std::make_unique<FSRSScheduler>(FSRSScheduler::standard(retention));
+    const Preferences preferences = PreferencesFile(preferencesPath(environmentVariable)).values();
+    const auto named = schedulerKindFromRawValue(schedulerName);
+    return makeScheduler(named.value_or(schedulerKind(preferences)),
+                         retention.value_or(desiredRetention(preferences)));
 }
 
 int ReviewCommand::run() const {

@@ -4,6 +4,7 @@
 #include "TavikCLI/Command.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tavik {
@@ -18,8 +19,10 @@ public:
 private:
     std::unique_ptr<Scheduler> scheduler() const;
 
-    std::string schedulerName = "fsrs";
-    double retention = 0.9;
+    /// Empty for what the preferences say.
+    std::string schedulerName;
+    /// Nothing for what the preferences say.
+    std::optional<double> retention;
     int limit = 500;
     std::string dictionaryPath;
 };

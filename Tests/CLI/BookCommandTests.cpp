@@ -1,4 +1,5 @@
 #include "Base/Date.h"
+#include "Base/PreferencesFile.h"
 #include "Support/ChildProcess.h"
 #include "Support/PseudoTerminal.h"
 #include "Support/SampleDictionary.h"
@@ -29,7 +30,8 @@ protected:
         for (const char* const withDictionary : {"save", "show", "delete", "review"})
             if (arguments.front() == withDictionary)
                 arguments.insert(arguments.begin() + 1, {"--dictionary", dictionary});
-        arguments.insert(arguments.begin(), {"/usr/bin/env", "TAVIK_DATA_DIR=" + data, TAVIK_CLI});
+        arguments.insert(arguments.begin(), {"/usr/bin/env", "TAVIK_DATA_DIR=" + data,
+                                             "XDG_CONFIG_HOME=" + settings, TAVIK_CLI});
         return arguments;
     }
 
@@ -45,6 +47,7 @@ protected:
     test::TemporaryDirectory directory;
     std::string dictionary = directory.file("dict.sqlite");
     std::string data = directory.file("new/data");
+    std::string settings = directory.file("settings");
 };
 
 TEST_F(BookCommandTest, aWordIsSavedFoundShownAndDeletedUnderItsBaseForm) {
@@ -146,6 +149,12 @@ TEST_F(BookCommandTest, aReviewMayBeLeftAndGoneOnWithTheOtherScheduler) {
     EXPECT_THAT(run({"review", "--scheduler", "fixed"}, " 4q").output, HasSubstr("还有 1 个"));
     EXPECT_EQ(item("run")["card"]["stability"], 1) << "the second rung";
     EXPECT_THAT(run({"review", "--retention", "0.8"}, " ").output, HasSubstr("3 记得 8 天后"));
+    PreferencesFile preferences(settings + "/Tavik/preferences.json");
+    preferences.set(PreferenceKeys::desiredRetention, 0.8);
+    EXPECT_THAT(run({"review"}, " ").output, HasSubstr("3 记得 8 天后"));
+    EXPECT_THAT(run({"review", "--retention", "0.9"}, " ").output, HasSubstr("3 记得 3 天后"));
+    preferences.set(PreferenceKeys::schedulerKind, std::string("fixed"));
+    EXPECT_THAT(run({"review"}, " ").output, HasSubstr("3 记得 1 天后"));
     for (const auto& wrong : {std::pair("--retention", "1.5"), {"--scheduler", "mine"}})
         EXPECT_EQ(run({"review", wrong.first, wrong.second}).exitCode, 1);
 }

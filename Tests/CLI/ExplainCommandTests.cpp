@@ -1,3 +1,4 @@
+#include "Base/PreferencesFile.h"
 #include "Support/ChildProcess.h"
 #include "Support/LoopbackServer.h"
 #include "Support/PseudoTerminal.h"
@@ -25,6 +26,7 @@ protected:
                                      const std::string& baseURL, const std::string& key) const {
         std::vector<std::string> all{"/usr/bin/env",
                                      "TAVIK_DATA_DIR=" + data,
+                                     "XDG_CONFIG_HOME=" + settings,
                                      "TAVIK_LLM_PROVIDER=openai",
                                      "TAVIK_LLM_MODEL=m",
                                      "TAVIK_LLM_BASE_URL=" + baseURL,
@@ -43,6 +45,7 @@ protected:
     test::TemporaryDirectory directory;
     std::string dictionary = directory.file("dict.sqlite");
     std::string data = directory.file("data");
+    std::string settings = directory.file("settings");
     test::LoopbackServer server;
 };
 
@@ -82,6 +85,22 @@ TEST_F(ExplainCommandTest, alongWithALookupTheEntryComesFirstAndStaysWhenTheMode
     EXPECT_EQ(several.exitCode, 1);
     EXPECT_THAT(several.output, AllOf(HasSubstr(R"("lemma":"mouse")"), HasSubstr(R"("lemma":"go")"),
                                       HasSubstr(R"("explanation":null)")));
+}
+
+TEST_F(ExplainCommandTest, withoutOtherWordTheModelOfThePreferencesIsAsked) {
+    PreferencesFile preferences(settings + "/Tavik/preferences.json");
+    preferences.set(PreferenceKeys::llmProvider, std::string("openAICompatible"));
+    preferences.set(PreferenceKeys::llmModel, std::string("chosen"));
+    preferences.set(PreferenceKeys::llmBaseURL, server.baseURL("success"));
+    std::vector<std::string> plain = command({"explain", "run"}, "", "");
+    std::erase_if(plain, [](const std::string& word) { return word.starts_with("TAVIK_LLM_"); });
+    plain.insert(plain.end(), {"--model", "named"});
+    EXPECT_EQ(test::runProcess(plain).exitCode, 0);
+    ASSERT_EQ(server.requests().size(), 1U);
+    EXPECT_THAT(server.requests().front().body, HasSubstr(R"("model":"named")"));
+    plain.insert(plain.end(), {"--provider", "none"});
+    EXPECT_EQ(test::runProcess(plain).exitCode, 0) << "the answer is known";
+    EXPECT_EQ(server.requests().size(), 1U);
 }
 
 TEST_F(ExplainCommandTest, aKeyIsAskedForUnseenAndLeavesNoTrace) {

@@ -76,6 +76,13 @@ AsideFile::~AsideFile() {
     if (!isCommitted) removeAside();
 }
 
+void AsideFile::write(std::string_view contents) const {
+    std::ofstream stream(aside, std::ios::binary);
+    stream << contents;
+    stream.close();
+    if (!stream) throwFailure("写入", target);
+}
+
 void AsideFile::commit() {
     Descriptor(aside, O_RDONLY).forceToDisk(aside);
     if (rename(aside.c_str(), target.c_str()) != 0) throwFailure("写入", target);
@@ -96,10 +103,7 @@ std::filesystem::path directoryOf(const std::filesystem::path& file) {
 void replaceFile(const std::filesystem::path& file, std::string_view contents) {
     const DirectoryLock lock(directoryOf(file));
     AsideFile aside(file);
-    std::ofstream stream(aside.path(), std::ios::binary);
-    stream << contents;
-    stream.close();
-    if (!stream) throwFailure("写入", file);
+    aside.write(contents);
     aside.commit();
 }
 

@@ -42,6 +42,9 @@ public:
     /// Where the file aside of `target` lies.
     static std::filesystem::path placeFor(const std::filesystem::path& target);
 
+    /// Makes `contents` all that is in the file aside. Throws `FileError`.
+    void write(std::string_view contents) const;
+
     /// Forces the file to disk and puts it in the place of the target. Throws `FileError`.
     void commit();
 

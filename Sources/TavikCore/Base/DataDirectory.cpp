@@ -10,6 +10,19 @@
 namespace tavik {
 namespace fs = std::filesystem;
 
+namespace {
+
+/// The directory that `variable` names, else `atHome` in the user's home.
+fs::path standardDirectory(const EnvironmentReader& environment, const char* variable,
+                           const char* atHome) {
+    // A relative path there is void by the standard that defines the variables.
+    fs::path named = environment(variable).value_or("");
+    if (named.is_absolute()) return named;
+    return homeDirectory(environment) / atHome;
+}
+
+} // namespace
+
 std::optional<std::string> environmentVariable(const char* name) {
     const char* const value = std::getenv(name);
     if (value == nullptr) return std::nullopt;
@@ -29,10 +42,11 @@ fs::path homeDirectory(const EnvironmentReader& environment) {
 fs::path dataDirectory(const EnvironmentReader& environment) {
     if (const auto named = environment("TAVIK_DATA_DIR"))
         return named->empty() ? fs::path(".") : fs::path(*named);
-    // A relative path there is void by the standard that defines the variable.
-    const fs::path applicationData = environment("XDG_DATA_HOME").value_or("");
-    if (applicationData.is_absolute()) return applicationData / "Tavik";
-    return homeDirectory(environment) / ".local" / "share" / "Tavik";
+    return standardDirectory(environment, "XDG_DATA_HOME", ".local/share") / "Tavik";
+}
+
+fs::path configDirectory(const EnvironmentReader& environment) {
+    return standardDirectory(environment, "XDG_CONFIG_HOME", ".config");
 }
 
 void keepFilesPrivate() {

@@ -17,6 +17,9 @@ std::optional<std::string> environmentVariable(const char* name);
 /// else "Tavik" in the user's directory for application data.
 std::filesystem::path dataDirectory(const EnvironmentReader& environment);
 
+/// Where programs keep what the user has set: "XDG_CONFIG_HOME", else ".config" at home.
+std::filesystem::path configDirectory(const EnvironmentReader& environment);
+
 /// The user's home directory.
 std::filesystem::path homeDirectory(const EnvironmentReader& environment);
 
