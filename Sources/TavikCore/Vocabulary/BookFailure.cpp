@@ -23,7 +23,7 @@ std::string advice(const std::string& book, const SQLiteDB::Error& error) {
     }
     if (error.message.find("already exists") != std::string::npos)
         return book + " 没有建完。如果里面还没有单词，请把这个文件移走再试，否则请从备份恢复";
-    return book + " 出错";
+    return book + " 出错。如果一再这样，请用 tavik-cli restore 从备份恢复";
 }
 
 } // namespace

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Base/Date.h"
+
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -15,5 +18,10 @@ class EmptiedBookError : public std::runtime_error {
 public:
     explicit EmptiedBookError(const std::string& path);
 };
+
+/// Moves what is left of an emptied book to a name beside it, with `now` in it, so that a new book
+/// can be opened in its place; where it was moved to. Throws `FileError`, also when another program
+/// has the book open.
+std::filesystem::path setEmptiedBookAside(const std::string& path, Date now);
 
 } // namespace tavik

@@ -4,17 +4,12 @@
 #include "Base/Links.h"
 #include "Storage/SQLiteDB.h"
 #include "Vocabulary/BookFailure.h"
+#include "Vocabulary/BookFiles.h"
 #include "Vocabulary/EmptiedBook.h"
 #include "Vocabulary/VocabularySQL.h"
 #include "Vocabulary/VocabularySchema.h"
 #include "Vocabulary/VocabularyStore.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <array>
-#include <cctype>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -26,9 +21,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// What belongs to a book on the disk, the file itself last.
-constexpr std::array bookEndings{"-wal", "-shm", "-journal", ""};
-
 bool areSame(const fs::path& one, const fs::path& other) {
     std::error_code error;
     return fs::equivalent(one, other, error);
@@ -37,30 +29,6 @@ bool areSame(const fs::path& one, const fs::path& other) {
 bool isThere(const fs::path& path) {
     std::error_code ignored;
     return fs::exists(path, ignored);
-}
-
-bool existsAnyPart(const fs::path& book) {
-    return std::ranges::any_of(bookEndings,
-                               [&](const char* ending) { return isThere(book.string() + ending); });
-}
-
-/// Whether another program has the book open: it then holds a lock on bytes that SQLite reserves.
-/// A file that cannot be opened here is open to nobody.
-bool isInUse(const fs::path& book) {
-    constexpr off_t reservedBytes = 0x40000000;
-    constexpr off_t reservedByteCount = 512;
-    const int descriptor = open(book.c_str(), O_RDWR | O_CLOEXEC);
-    if (descriptor < 0) return false;
-
-    struct flock lock {};
-
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = reservedBytes;
-    lock.l_len = reservedByteCount;
-    const bool isKnown = fcntl(descriptor, F_GETLK, &lock) == 0;
-    close(descriptor);
-    return isKnown && lock.l_type != F_UNLCK;
 }
 
 std::int64_t rowCount(SQLiteDB& db, const std::string& table) {
@@ -87,26 +55,6 @@ std::int64_t versionOf(SQLiteDB& db) {
 [[noreturn]] void throwCopyFailure(const fs::path& target, const SQLiteDB::Error& error) {
     throw BackupError("没有复制成 " + target.string() + "，请检查磁盘空间和权限（" + error.message
                       + "）");
-}
-
-/// "20261121-113852", in UTC.
-std::string stamp(Date now) {
-    std::string digits;
-    for (const char character : iso8601(std::chrono::floor<std::chrono::seconds>(now))) {
-        if (character == 'T') digits += '-';
-        if (character == '.') break;
-        if (std::isdigit(static_cast<unsigned char>(character)) != 0) digits += character;
-    }
-    return digits;
-}
-
-/// A name beside the book that nothing has yet.
-fs::path placeAside(const fs::path& book, Date now) {
-    const std::string name = book.string() + ".before-restore-" + stamp(now);
-    fs::path place = name;
-    for (int number = 2; existsAnyPart(place); ++number)
-        place = name + '-' + std::to_string(number);
-    return place;
 }
 
 /// Whether the book can be opened and its rows replaced. Throws when the reason why not is no
@@ -184,44 +132,6 @@ void replaceRows(const fs::path& book, const fs::path& from, const fs::path& kep
     });
     db.execute("DETACH source");
 }
-
-/// A book moved aside with all its parts, and moved back at the end of the scope unless it is to
-/// stay there.
-class MovedBook {
-public:
-    MovedBook(fs::path from, fs::path to) : from(std::move(from)), to(std::move(to)) {
-        for (const char* const ending : bookEndings) {
-            if (!isThere(this->from.string() + ending)) continue;
-            std::error_code error;
-            fs::rename(this->from.string() + ending, this->to.string() + ending, error);
-            if (!error) continue;
-            moveBack();
-            throw BackupError("原来的生词本 " + this->from.string() + " 移不开，请检查目录的权限（"
-                              + error.message() + "）");
-        }
-    }
-
-    ~MovedBook() {
-        if (!stays) moveBack();
-    }
-
-    MovedBook(const MovedBook&) = delete;
-    MovedBook& operator=(const MovedBook&) = delete;
-
-    void keep() { stays = true; }
-
-private:
-    void moveBack() const {
-        std::error_code ignored;
-        for (const char* const ending : bookEndings)
-            if (isThere(to.string() + ending))
-                fs::rename(to.string() + ending, from.string() + ending, ignored);
-    }
-
-    fs::path from;
-    fs::path to;
-    bool stays = false;
-};
 
 /// Puts `copy` in the place of a book that cannot be used any more, and that into `kept`.
 void replaceDamaged(const fs::path& book, AsideFile& copy, const fs::path& kept) {
@@ -301,7 +211,7 @@ Restored restoreBook(const fs::path& backup, const fs::path& book, Date now) {
         copy.commit();
         return restored;
     }
-    restored.kept = placeAside(place, now);
+    restored.kept = placeBeside(place, "before-restore", now);
     if (isUsable(place))
         replaceRows(place, copy.path(), *restored.kept);
     else

@@ -23,6 +23,11 @@ Value optionalText(const std::optional<std::string>& text) {
     return text ? Value(*text) : Value(SQLiteDB::Null{});
 }
 
+Value optionalDate(const std::optional<Date>& date) {
+    if (!date) return SQLiteDB::Null{};
+    return secondsSince1970(*date);
+}
+
 Value textOf(std::string_view text) {
     return std::string(text);
 }
@@ -58,15 +63,6 @@ const std::string& checked(const std::string& path) {
     return path;
 }
 
-std::int64_t count(SQLiteDB& db, const char* statement, const std::vector<Value>& args) {
-    try {
-        const auto rows = db.query(statement, args);
-        return rows.empty() ? 0 : rows.front().int_("n").value_or(0);
-    } catch (const SQLiteDB::Error&) {
-        return 0;
-    }
-}
-
 } // namespace
 
 VocabularyStore::VocabularyStore(const std::string& path) : db(checked(path), false) {
@@ -74,35 +70,63 @@ VocabularyStore::VocabularyStore(const std::string& path) : db(checked(path), fa
 }
 
 void VocabularyStore::setOnChange(std::function<void()> callback) {
-    const std::lock_guard guard(onChangeLock);
+    const std::lock_guard guard(callbackLock);
     onChange = std::move(callback);
+}
+
+void VocabularyStore::setOnFailure(std::function<void(const SQLiteDB::Error&)> callback) {
+    const std::lock_guard guard(callbackLock);
+    onFailure = std::move(callback);
 }
 
 void VocabularyStore::announceChange() {
     std::function<void()> callback;
     {
-        const std::lock_guard guard(onChangeLock);
+        const std::lock_guard guard(callbackLock);
         callback = onChange;
     }
     if (callback) callback();
+}
+
+void VocabularyStore::announce(const SQLiteDB::Error& failure) const {
+    std::function<void(const SQLiteDB::Error&)> callback;
+    {
+        const std::lock_guard guard(callbackLock);
+        callback = onFailure;
+    }
+    if (callback) callback(failure);
+}
+
+template<typename Body>
+auto VocabularyStore::announcingFailure(Body body) const {
+    try {
+        return body();
+    } catch (const SQLiteDB::Error& failure) {
+        announce(failure);
+        throw;
+    }
 }
 
 VocabularyStore::AddResult VocabularyStore::add(
     const std::string& lemma, const std::string& headword, const std::optional<DictEntry>& entry,
     const std::string& selection, const std::optional<std::string>& sentence,
     const std::optional<std::string>& contextMeaning, const SourceInfo& source, Date now) {
-    const auto result = db.transaction([&] {
-        AddResult added;
-        const auto known = db.query(VocabularySQL::wordIDForLemma, {lemma});
-        const auto id = known.empty() ? std::nullopt : known.front().int_("id");
-        added.isNewWord = !id;
-        added.wordID = id ? *id : insertWord(lemma, headword, entry, now);
-        if (db.query(VocabularySQL::sameEncounter, {added.wordID, sentence.value_or("")}).empty())
-            db.query(VocabularySQL::insertEncounter,
-                     {added.wordID, selection, optionalText(sentence), optionalText(contextMeaning),
-                      optionalText(source.appName), optionalText(source.bundleID),
-                      optionalText(source.url), secondsSince1970(now)});
-        return added;
+    const auto result = announcingFailure([&] {
+        return db.transaction([&] {
+            AddResult added;
+            const auto known = db.query(VocabularySQL::wordIDForLemma, {lemma});
+            const auto id = known.empty() ? std::nullopt : known.front().int_("id");
+            added.isNewWord = !id;
+            added.wordID = id ? *id : insertWord(lemma, headword, entry, now);
+            if (db.query(VocabularySQL::sameEncounter, {added.wordID, sentence.value_or("")})
+                    .empty())
+                db.query(VocabularySQL::insertEncounter,
+                         {added.wordID, selection, optionalText(sentence),
+                          optionalText(contextMeaning), optionalText(source.appName),
+                          optionalText(source.bundleID), optionalText(source.url),
+                          secondsSince1970(now)});
+            return added;
+        });
     });
     announceChange();
     return result;
@@ -119,35 +143,41 @@ std::int64_t VocabularyStore::insertWord(const std::string& lemma, const std::st
 }
 
 void VocabularyStore::save(const Card& card) {
-    const Value lastReview =
-        card.lastReview ? Value(secondsSince1970(*card.lastReview)) : Value(SQLiteDB::Null{});
     db.query(VocabularySQL::upsertCard,
              {card.wordID, textOf(rawValue(card.state)), secondsSince1970(card.due), card.stability,
-              card.difficulty, card.reps, card.lapses, lastReview});
+              card.difficulty, card.reps, card.lapses, optionalDate(card.lastReview)});
 }
 
 Card VocabularyStore::review(std::int64_t wordID, Rating rating, const Scheduler& scheduler,
                              Date now) {
-    const Card after = db.transaction([&] {
-        const auto before = card(wordID);
-        if (!before) throw SQLiteDB::Error::step("no card for word " + std::to_string(wordID));
-        const auto [reviewed, log] = scheduler.review(*before, rating, now);
-        save(reviewed);
-        db.query(VocabularySQL::insertReviewLog,
-                 {log.wordID, std::int64_t{rawValue(log.rating)}, textOf(rawValue(log.stateBefore)),
-                  secondsSince1970(log.reviewedAt), log.elapsedDays, log.scheduledDays});
-        return reviewed;
+    const auto after = announcingFailure([&] {
+        return db.transaction([&]() -> std::optional<Card> {
+            const auto before = storedCard(wordID);
+            if (!before) return std::nullopt;
+            const auto [reviewed, log] = scheduler.review(*before, rating, now);
+            save(reviewed);
+            db.query(VocabularySQL::insertReviewLog,
+                     {log.wordID, std::int64_t{rawValue(log.rating)},
+                      textOf(rawValue(log.stateBefore)), secondsSince1970(log.reviewedAt),
+                      log.elapsedDays, log.scheduledDays});
+            return reviewed;
+        });
     });
+    if (!after) throw SQLiteDB::Error::step("no card for word " + std::to_string(wordID));
     announceChange();
-    return after;
+    return *after;
 }
 
 void VocabularyStore::delete_(std::int64_t wordID) {
-    db.query(VocabularySQL::deleteWord, {wordID});
+    announcingFailure([&] { return db.query(VocabularySQL::deleteWord, {wordID}); });
     announceChange();
 }
 
 std::optional<Card> VocabularyStore::card(std::int64_t wordID) const {
+    return announcingFailure([&] { return storedCard(wordID); });
+}
+
+std::optional<Card> VocabularyStore::storedCard(std::int64_t wordID) const {
     const auto rows = db.query(VocabularySQL::card, {wordID});
     if (rows.empty()) return std::nullopt;
     return VocabularyRows::card(rows.front(), currentDate());
@@ -155,7 +185,8 @@ std::optional<Card> VocabularyStore::card(std::int64_t wordID) const {
 
 std::optional<std::int64_t> VocabularyStore::wordIDForLemma(const std::string& lemma) const {
     try {
-        const auto rows = db.query(VocabularySQL::wordIDForLemma, {lemma});
+        const auto rows =
+            announcingFailure([&] { return db.query(VocabularySQL::wordIDForLemma, {lemma}); });
         return rows.empty() ? std::nullopt : rows.front().int_("id");
     } catch (const SQLiteDB::Error&) {
         return std::nullopt;
@@ -181,44 +212,58 @@ std::optional<VocabItem> VocabularyStore::item(std::int64_t wordID) const {
 
 std::vector<VocabItem> VocabularyStore::itemsWhere(const std::string& clause,
                                                    const std::vector<Value>& args) const {
-    const Date now = currentDate();
-    const std::string encounters = VocabularySQL::encounters;
-    const auto rows = db.query(VocabularySQL::items + clause, args);
-    std::vector<VocabItem> items;
-    items.reserve(rows.size());
-    for (const auto& row : rows) {
-        VocabItem& item = items.emplace_back(VocabularyRows::item(row, now));
-        // The newest comes first.
-        const auto latest = db.query(encounters, {item.word.id}, 1);
-        if (!latest.empty())
-            item.latest = VocabularyRows::encounter(latest.front(), item.word.id, now);
-    }
-    return items;
+    return announcingFailure([&] {
+        const Date now = currentDate();
+        const std::string encounters = VocabularySQL::encounters;
+        const auto rows = db.query(VocabularySQL::items + clause, args);
+        std::vector<VocabItem> items;
+        items.reserve(rows.size());
+        for (const auto& row : rows) {
+            VocabItem& item = items.emplace_back(VocabularyRows::item(row, now));
+            // The newest comes first.
+            const auto latest = db.query(encounters, {item.word.id}, 1);
+            if (!latest.empty())
+                item.latest = VocabularyRows::encounter(latest.front(), item.word.id, now);
+        }
+        return items;
+    });
 }
 
 std::vector<Encounter> VocabularyStore::encounters(std::int64_t wordID) const {
-    const Date now = currentDate();
-    std::vector<Encounter> encounters;
-    for (const auto& row : db.query(VocabularySQL::encounters, {wordID}))
-        encounters.push_back(VocabularyRows::encounter(row, wordID, now));
-    return encounters;
+    return announcingFailure([&] {
+        const Date now = currentDate();
+        std::vector<Encounter> encounters;
+        for (const auto& row : db.query(VocabularySQL::encounters, {wordID}))
+            encounters.push_back(VocabularyRows::encounter(row, wordID, now));
+        return encounters;
+    });
+}
+
+std::int64_t VocabularyStore::count(const char* statement, const std::vector<Value>& args) const {
+    try {
+        const auto rows = announcingFailure([&] { return db.query(statement, args); });
+        return rows.empty() ? 0 : rows.front().int_("n").value_or(0);
+    } catch (const SQLiteDB::Error&) {
+        return 0;
+    }
 }
 
 std::int64_t VocabularyStore::wordCount() const {
-    return count(db, VocabularySQL::wordCount, {});
+    return count(VocabularySQL::wordCount, {});
 }
 
 std::int64_t VocabularyStore::dueCount(Date at) const {
-    return count(db, VocabularySQL::dueCount, {secondsSince1970(at)});
+    return count(VocabularySQL::dueCount, {secondsSince1970(at)});
 }
 
 std::int64_t VocabularyStore::reviewCount(Date since) const {
-    return count(db, VocabularySQL::reviewCount, {secondsSince1970(since)});
+    return count(VocabularySQL::reviewCount, {secondsSince1970(since)});
 }
 
 std::optional<ContextExplanation> VocabularyStore::cachedExplanation(const std::string& key) const {
     try {
-        const auto rows = db.query(VocabularySQL::cachedExplanation, {key});
+        const auto rows =
+            announcingFailure([&] { return db.query(VocabularySQL::cachedExplanation, {key}); });
         if (rows.empty()) return std::nullopt;
         const auto json = rows.front().text("json");
         if (!json) return std::nullopt;
@@ -233,8 +278,10 @@ std::optional<ContextExplanation> VocabularyStore::cachedExplanation(const std::
 void VocabularyStore::cacheExplanation(const ContextExplanation& explanation,
                                        const std::string& key, Date now) {
     try {
-        db.query(VocabularySQL::cacheExplanation,
-                 {key, nlohmann::json(explanation).dump(), secondsSince1970(now)});
+        const std::string json = nlohmann::json(explanation).dump();
+        announcingFailure([&] {
+            return db.query(VocabularySQL::cacheExplanation, {key, json, secondsSince1970(now)});
+        });
     } catch (const SQLiteDB::Error&) {
         // The answer is shown all the same; it will be asked for again.
     } catch (const nlohmann::json::exception&) {

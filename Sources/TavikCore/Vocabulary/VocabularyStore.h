@@ -26,6 +26,8 @@ namespace tavik {
 /// 2. A call that throws has changed nothing. What throws is a `SQLiteDB::Error`.
 /// 3. After a change is committed, and with no lock held, `onChange` is called on the thread that
 ///    made it.
+/// 4. `onFailure` is called, likewise, for every failure to read or write the book, also where the
+///    call itself does not throw; but not for that of `copyTo`, which may be the new file's.
 class VocabularyStore {
 public:
     struct AddResult {
@@ -40,8 +42,9 @@ public:
     /// `EmptiedBookError` when opening the file would destroy what is left of it.
     explicit VocabularyStore(const std::string& path);
 
-    /// Replaces the callback; it must not throw.
+    /// Replace the callbacks; they must not throw.
     void setOnChange(std::function<void()> callback);
+    void setOnFailure(std::function<void(const SQLiteDB::Error&)> callback);
 
     /// Saves a word, with a card that is due at once, and the sentence it was met in. A word that
     /// is in the book already keeps its row and card; a sentence that is there is not repeated.
@@ -79,7 +82,7 @@ public:
     std::int64_t dueCount(Date at) const;
     std::int64_t reviewCount(Date since) const;
 
-    /// The explanation cache is a convenience: failures of it read as nothing and are not reported.
+    /// The explanation cache is a convenience: where it fails, it reads as nothing.
     std::optional<ContextExplanation> cachedExplanation(const std::string& key) const;
     void cacheExplanation(const ContextExplanation& explanation, const std::string& key, Date now);
 
@@ -92,11 +95,19 @@ private:
     std::int64_t insertWord(const std::string& lemma, const std::string& headword,
                             const std::optional<DictEntry>& entry, Date now);
     void save(const Card& card);
+    std::optional<Card> storedCard(std::int64_t wordID) const;
     void announceChange();
+    void announce(const SQLiteDB::Error& failure) const;
+    std::int64_t count(const char* statement, const std::vector<SQLiteDB::Value>& args) const;
+
+    /// Runs `body` and announces the failure with which it ends.
+    template<typename Body>
+    auto announcingFailure(Body body) const;
 
     mutable SQLiteDB db;
-    std::mutex onChangeLock;
+    mutable std::mutex callbackLock;
     std::function<void()> onChange;
+    std::function<void(const SQLiteDB::Error&)> onFailure;
 };
 
 } // namespace tavik

@@ -206,9 +206,9 @@ TEST_F(StoreFailureTest, aHalfCreatedFileIsReportedAndLeftAsItIs) {
 TEST(BookFailure, tellsTheUserWhatToDo) {
     using Cause = SQLiteDB::Error::Cause;
     const std::vector<std::pair<Cause, std::string>> cases{
-        {Cause::busy, "稍后再试"},        {Cause::readOnly, "权限"},   {Cause::cannotOpen, "权限"},
-        {Cause::full, "腾出空间"},        {Cause::damaged, "restore"}, {Cause::inputOutput, "磁盘"},
-        {Cause::other, "出错（because）"}};
+        {Cause::busy, "稍后再试"}, {Cause::readOnly, "权限"},   {Cause::cannotOpen, "权限"},
+        {Cause::full, "腾出空间"}, {Cause::damaged, "restore"}, {Cause::inputOutput, "磁盘"},
+        {Cause::other, "出错。"}};
     for (const auto& [cause, advice] : cases)
         EXPECT_THAT(bookFailure("/a/b", SQLiteDB::Error::step("because", cause)),
                     AllOf(HasSubstr("/a/b"), HasSubstr(advice), HasSubstr("because")));
