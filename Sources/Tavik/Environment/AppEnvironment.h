@@ -1,0 +1,102 @@
+#pragma once
+
+#include "Base/DataDirectory.h"
+#include "Base/Date.h"
+#include "Base/Published.h"
+#include "Dictionary/OfflineDictionary.h"
+#include "Environment/BookAlarm.h"
+#include "Environment/Speech.h"
+#include "Lookup/LookupService.h"
+#include "Ports/MainQueue.h"
+#include "Ports/Notifier.h"
+#include "Ports/SpeechSynthesizer.h"
+#include "Settings/AppSettings.h"
+#include "Vocabulary/VocabularyStore.h"
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace tavik {
+
+/// What the environment asks of the outside world; all of it must outlive the environment.
+struct EnvironmentPorts {
+    MainQueue& mainQueue;
+    SpeechSynthesizer& speechSynthesizer;
+    Notifier& notifier;
+    std::function<Date()> now = currentDate;
+};
+
+/// Owns the services that every window works with, and publishes what all of them show. One for
+/// the life of the process, on the main thread.
+class AppEnvironment {
+public:
+    static constexpr const char* bookName = "tavik.sqlite";
+
+    /// Where the user's data lie.
+    static std::filesystem::path defaultDataDirectory(const EnvironmentReader& environment);
+
+    /// The dictionary that came with the program, if there is one.
+    static std::optional<std::filesystem::path> defaultDictionaryPath();
+
+    /// Creates the data directory where it is missing and opens the book in it. A dictionary that
+    /// is missing or cannot be read is left out. Throws `std::filesystem::filesystem_error`,
+    /// `SQLiteDB::Error` or `EmptiedBookError`.
+    AppEnvironment(const std::filesystem::path& dataDirectory, AppSettings& settings,
+                   const std::optional<std::filesystem::path>& dictionaryPath,
+                   EnvironmentPorts ports);
+
+    ~AppEnvironment() = default;
+    AppEnvironment(const AppEnvironment&) = delete;
+    AppEnvironment& operator=(const AppEnvironment&) = delete;
+
+    AppSettings& settings() { return appSettings; }
+
+    VocabularyStore& store() { return vocabularyStore; }
+
+    /// Null when there is none.
+    const OfflineDictionary* dictionary() const { return offlineDictionary.get(); }
+
+    LookupService& lookup() { return lookupService; }
+
+    Speech& speech() { return speechOutput; }
+
+    /// Words due and words saved, at the last refresh.
+    const Published<std::int64_t>& dueNow() const { return due; }
+
+    const Published<std::int64_t>& totalWords() const { return total; }
+
+    /// Counts again. Done by itself after every change of the book.
+    void refreshCounts();
+
+    /// Whether the counts could be read at the last refresh; else they are 0.
+    bool isBookReadable() const { return isReadable; }
+
+    /// When the book could last not be read or written, if ever.
+    const Published<std::optional<BookTrouble>>& bookTrouble() const { return trouble; }
+
+private:
+    void watchStore();
+    void noteFailure(const SQLiteDB::Error& error);
+
+    AppSettings& appSettings;
+    EnvironmentPorts ports;
+    Speech speechOutput;
+    std::string bookPath;
+    VocabularyStore vocabularyStore;
+    std::unique_ptr<OfflineDictionary> offlineDictionary;
+    LookupService lookupService;
+    Published<std::int64_t> due{0};
+    Published<std::int64_t> total{0};
+    BookAlarm alarm;
+    Published<std::optional<BookTrouble>> trouble{std::nullopt};
+    std::atomic<int> failureCount{0};
+    bool isReadable = true;
+    /// What other threads hold of this environment, which may be gone when they come back.
+    std::shared_ptr<AppEnvironment*> self;
+};
+
+} // namespace tavik

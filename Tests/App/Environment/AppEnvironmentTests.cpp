@@ -1,0 +1,122 @@
+#include "App/Support/Fakes.h"
+#include "Environment/AppEnvironment.h"
+#include "Platform/Null/MemoryPreferenceStore.h"
+#include "Storage/SQLiteDB.h"
+#include "Support/Book.h"
+#include "Support/SampleDictionary.h"
+#include "Support/TemporaryDirectory.h"
+#include "Vocabulary/EmptiedBook.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace tavik {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+class AppEnvironmentTest : public testing::Test {
+protected:
+    AppEnvironment& make(const std::optional<fs::path>& dictionary = std::nullopt) {
+        return environment.emplace(
+            data, settings, dictionary,
+            EnvironmentPorts{queue, speech, notifier, [this] { return now; }});
+    }
+
+    test::TemporaryDirectory directory;
+    fs::path data = directory.file("new/data");
+    Date now = test::day(1);
+    test::ManualMainQueue queue;
+    test::RecordingSpeech speech;
+    test::RecordingNotifier notifier;
+    MemoryPreferenceStore preferences;
+    test::FakeKeychain keychain;
+    AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};
+    std::optional<AppEnvironment> environment;
+};
+
+TEST_F(AppEnvironmentTest, theCountsAreThoseOfTheBookFromTheBeginning) {
+    fs::create_directories(data);
+    {
+        VocabularyStore book((data / AppEnvironment::bookName).string());
+        test::addWord(book, "one");
+        test::addWord(book, "two", std::nullopt, test::day(2));
+    }
+    const AppEnvironment& made = make();
+    EXPECT_EQ(made.dueNow().value(), 1);
+    EXPECT_EQ(made.totalWords().value(), 2);
+}
+
+TEST_F(AppEnvironmentTest, eachChangeOnAnyThreadBringsOneRefreshOnTheMainThread) {
+    AppEnvironment& made = make();
+    std::jthread([&] {
+        test::addWord(made.store(), "one");
+        test::addWord(made.store(), "two");
+    }).join();
+    test::addWord(made.store(), "three");
+    EXPECT_EQ(queue.size(), 3U);
+    EXPECT_EQ(made.dueNow().value(), 0) << "stale until the refresh";
+    queue.runAll();
+    EXPECT_EQ(made.dueNow().value(), 3);
+    EXPECT_EQ(made.totalWords().value(), 3);
+    test::addWord(made.store(), "four");
+    environment.reset();
+    queue.runAll();
+}
+
+TEST_F(AppEnvironmentTest, aMissingOrBrokenDictionaryIsLeftOut) {
+    EXPECT_EQ(make().dictionary(), nullptr);
+    EXPECT_EQ(make(directory.file("missing.sqlite")).dictionary(), nullptr);
+    std::ofstream(directory.file("broken.sqlite")) << "no database";
+    EXPECT_FALSE(make(directory.file("broken.sqlite")).lookup().lookup("run", {}, {}).isWord);
+    test::makeSampleDictionary(directory.file("dict.sqlite"));
+    EXPECT_TRUE(make(directory.file("dict.sqlite")).lookup().lookup("run", {}, {}).isWord);
+}
+
+TEST_F(AppEnvironmentTest, aBookThatFailsIsToldOfOnceAnHourAndRemembered) {
+    AppEnvironment& made = make();
+    test::addWord(made.store(), "one");
+    queue.runAll();
+    SQLiteDB((data / AppEnvironment::bookName).string(), false).execute("DROP TABLE card");
+    made.refreshCounts();
+    made.refreshCounts();
+    queue.runAll();
+    EXPECT_FALSE(made.isBookReadable());
+    ASSERT_EQ(notifier.notifications.size(), 1U);
+    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("生词本 "));
+    now += std::chrono::minutes(59);
+    EXPECT_ANY_THROW(test::addWord(made.store(), "two"));
+    queue.runAll();
+    EXPECT_EQ(notifier.notifications.size(), 1U);
+    EXPECT_EQ(made.bookTrouble().value()->when, now);
+    now += std::chrono::minutes(1);
+    made.refreshCounts();
+    queue.runAll();
+    EXPECT_EQ(notifier.notifications.size(), 2U);
+}
+
+TEST_F(AppEnvironmentTest, aPlaceThatCannotHoldTheBookIsReportedAsItIs) {
+    std::ofstream(directory.file("file")) << "x";
+    data = directory.file("file/data");
+    EXPECT_THROW(make(), fs::filesystem_error);
+    data = directory.file("emptied");
+    fs::create_directories(data);
+    std::ofstream((data / "tavik.sqlite-wal").string()) << "words";
+    EXPECT_THROW(make(), EmptiedBookError);
+    const fs::path kept = setEmptiedBookAside((data / "tavik.sqlite").string(), now);
+    EXPECT_TRUE(fs::exists(kept.string() + "-wal"));
+    EXPECT_EQ(make().totalWords().value(), 0);
+}
+
+TEST_F(AppEnvironmentTest, speechIsAmericanALittleSlowerAndEndsWhatIsSpoken) {
+    make().speech().speak("run");
+    EXPECT_EQ(speech.calls, (std::vector<std::string>{"stop", "en-US 0.9: run"}));
+}
+
+} // namespace
+} // namespace tavik
