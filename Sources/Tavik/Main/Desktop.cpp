@@ -1,0 +1,74 @@
+#include "Main/Desktop.h"
+
+#include "Base/DataDirectory.h"
+#include "Base/PreferencesFile.h"
+#include "Platform/Linux/DBus/AccessibilityBus.h"
+#include "Platform/Linux/DBus/DesktopNotifier.h"
+#include "Platform/Linux/DBus/LogindWakeSignal.h"
+#include "Platform/Linux/DBus/StatusNotifierHost.h"
+#include "Platform/Linux/Secrets/SecretServiceKeychain.h"
+#include "Platform/Linux/Speech/SpeechDispatcher.h"
+#include "Platform/Linux/X11/XEmbedTrayHost.h"
+#include "Platform/Linux/Xdg/JSONPreferenceStore.h"
+#include "Platform/Null/MemoryPreferenceStore.h"
+#include "Platform/Null/NullKeychain.h"
+#include "Platform/Null/NullNotifier.h"
+#include "Platform/Null/NullSpeechSynthesizer.h"
+#include "Platform/Null/NullWakeSignal.h"
+
+#include <chrono>
+
+namespace tavik {
+namespace {
+
+/// How long the end of the program waits for a key that is being written: three seconds in all, of
+/// which giving up may take the rest.
+constexpr std::chrono::milliseconds longestGoodbye{2700};
+
+} // namespace
+
+Desktop::Desktop(bool isDiagnostic)
+    : sessionBus(BusConnection::open(busThread, sessionBusAddress())),
+      accessibilityTrust(std::make_unique<AccessibilityBus>(sessionBus, mainQueue)) {
+    if (isDiagnostic)
+        fillInForDiagnosis();
+    else
+        fillIn();
+}
+
+void Desktop::fillIn() {
+    systemBus = BusConnection::open(busThread, systemBusAddress());
+    preferenceStore = std::make_unique<JSONPreferenceStore>(preferencesPath(environmentVariable));
+    secrets = std::make_unique<SecretServiceKeychain>(mainQueue);
+    speechSynthesizer = std::make_unique<SpeechDispatcher>(mainQueue);
+    notifier = std::make_unique<DesktopNotifier>(sessionBus);
+    wakeSignal = std::make_unique<LogindWakeSignal>(systemBus, mainQueue);
+    trayHosts.push_back(std::make_unique<StatusNotifierHost>(sessionBus, mainQueue));
+    trayHosts.push_back(std::make_unique<XEmbedTrayHost>());
+}
+
+void Desktop::fillInForDiagnosis() {
+    preferenceStore = std::make_unique<MemoryPreferenceStore>();
+    secrets = std::make_unique<NullKeychain>(mainQueue);
+    speechSynthesizer = std::make_unique<NullSpeechSynthesizer>();
+    notifier = std::make_unique<NullNotifier>();
+    wakeSignal = std::make_unique<NullWakeSignal>();
+}
+
+Desktop::~Desktop() {
+    preferenceStore->flush();
+    secrets->finish(longestGoodbye);
+}
+
+ShellPorts Desktop::shellPorts(SingleInstance& singleInstance) {
+    std::vector<const TrayHost*> hosts;
+    for (const auto& host : trayHosts)
+        hosts.push_back(host.get());
+    return {{mainQueue, *speechSynthesizer, *notifier},
+            hosts,
+            *wakeSignal,
+            *accessibilityTrust,
+            singleInstance};
+}
+
+} // namespace tavik

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Platform/Linux/DBus/BusConnection.h"
+#include "Platform/Linux/DBus/BusThread.h"
+#include "Platform/Qt/QtMainQueue.h"
+#include "Ports/Keychain.h"
+#include "Ports/Notifier.h"
+#include "Ports/PreferenceStore.h"
+#include "Ports/SingleInstance.h"
+#include "Ports/SpeechSynthesizer.h"
+#include "Ports/WakeSignal.h"
+#include "Shell/AppDelegate.h"
+
+#include <memory>
+#include <vector>
+
+namespace tavik {
+
+/// The adapters of the desktop that this process runs on. To be made and destroyed on the main
+/// thread, once the application object exists.
+class Desktop {
+public:
+    /// A diagnostic run leaves nothing behind and disturbs nobody: its preferences and secrets end
+    /// with the process, and it has no icon, no voice and no notifications.
+    explicit Desktop(bool isDiagnostic);
+    ~Desktop();
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+    PreferenceStore& preferences() { return *preferenceStore; }
+
+    Keychain& keychain() { return *secrets; }
+
+    ShellPorts shellPorts(SingleInstance& singleInstance);
+
+private:
+    void fillIn();
+    void fillInForDiagnosis();
+
+    QtMainQueue mainQueue;
+    BusThread busThread;
+    std::shared_ptr<BusConnection> sessionBus;
+    std::shared_ptr<BusConnection> systemBus;
+    std::unique_ptr<AccessibilityTrust> accessibilityTrust;
+    std::unique_ptr<PreferenceStore> preferenceStore;
+    std::unique_ptr<Keychain> secrets;
+    std::unique_ptr<SpeechSynthesizer> speechSynthesizer;
+    std::unique_ptr<Notifier> notifier;
+    std::unique_ptr<WakeSignal> wakeSignal;
+    std::vector<std::unique_ptr<TrayHost>> trayHosts;
+};
+
+} // namespace tavik

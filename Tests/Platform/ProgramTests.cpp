@@ -1,0 +1,179 @@
+#include "Platform/Support/Daemon.h"
+#include "Support/Book.h"
+#include "Support/ChildProcess.h"
+#include "Support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace tavik {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using test::BackgroundProgram;
+using test::Daemon;
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+/// The program as users start it, with data and settings of its own.
+class ProgramTests : public testing::Test {
+protected:
+    std::vector<std::string> command(const std::vector<std::string>& arguments = {}) const {
+        std::vector<std::string> all{"/usr/bin/env", "TAVIK_DATA_DIR=" + data,
+                                     "XDG_CONFIG_HOME=" + settings, TAVIK_PROGRAM};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return all;
+    }
+
+    /// Starts a program that ends by itself.
+    test::ProcessResult startToEnd(const std::vector<std::string>& arguments = {}) const {
+        auto limited = command(arguments);
+        limited.insert(limited.begin(), {"/usr/bin/timeout", "20"});
+        return test::runProcess(limited);
+    }
+
+    /// Whether something is so within the time that a person would wait for it.
+    static bool soon(const std::function<bool()>& isSo) {
+        for (int attempt = 0; attempt < 250; ++attempt) {
+            if (isSo()) return true;
+            std::this_thread::sleep_for(20ms);
+        }
+        return false;
+    }
+
+    /// What the tray answers to a command.
+    static json tray(const std::string& words) {
+        const auto asked =
+            test::runProcess({"/usr/bin/gdbus", "call", "--session", "-d", "com.tavik.TestTray",
+                              "-o", "/", "-m", "com.tavik.TestTray.Command", "[" + words + "]"});
+        const auto begin = asked.output.find('{');
+        const auto end = asked.output.rfind('}');
+        if (begin == std::string::npos || end == std::string::npos) return {};
+        return json::parse(asked.output.substr(begin, end - begin + 1), nullptr, false);
+    }
+
+    static std::string toolTip() {
+        const json item = tray("'item'");
+        return item.contains("item") ? item["item"]["ToolTip"].dump() : "";
+    }
+
+    static bool isWindowShown(const std::string& title) {
+        return test::runProcess({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title})
+                   .exitCode
+               == 0;
+    }
+
+    static void pressEscape() {
+        std::this_thread::sleep_for(300ms);
+        test::runProcess({"/usr/bin/xdotool", "key", "Escape"});
+    }
+
+    test::TemporaryDirectory directory;
+    std::string data = directory.file("data");
+    std::string settings = directory.file("settings");
+};
+
+TEST_F(ProgramTests, aPanelThatStartsLaterGetsTheIconWithItsMenu) {
+    fs::create_directories(data);
+    VocabularyStore book(data + "/tavik.sqlite");
+    test::addWord(book, "one");
+    BackgroundProgram program(command());
+    std::this_thread::sleep_for(500ms);
+    const Daemon panel({"tray-watcher"});
+    ASSERT_TRUE(soon([] { return toolTip().find("Tavik：1 个生词待复习") != std::string::npos; }));
+    EXPECT_THAT(tray("'menu'").dump(), HasSubstr("退出 Tavik"));
+    tray("'click', '退出 Tavik'");
+    EXPECT_EQ(program.exitCodeWithin(2s), 0);
+}
+
+TEST_F(ProgramTests, aSecondStartShowsTheFirstAndEndsAndOtherDataHaveAProgramOfTheirOwn) {
+    BackgroundProgram first(command());
+    ASSERT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    EXPECT_FALSE(isWindowShown("^Tavik$"));
+    EXPECT_EQ(startToEnd().exitCode, 0);
+    EXPECT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
+    data = directory.file(std::string(150, 'x'));
+    BackgroundProgram other(command());
+    EXPECT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    EXPECT_EQ(first.exitCodeWithin(0ms), std::nullopt);
+    other.signal(SIGTERM);
+    EXPECT_EQ(other.exitCodeWithin(2s), 0);
+    EXPECT_FALSE(fs::exists(data + "/tavik.socket"));
+}
+
+TEST_F(ProgramTests, aKilledProgramStandsInNobodysWayAndAStoppedOneIsNotWaitedForLong) {
+    const fs::path socket = data + "/tavik.socket";
+    {
+        BackgroundProgram killed(command());
+        ASSERT_TRUE(soon([&] { return fs::exists(socket); }));
+        killed.signal(SIGKILL);
+        EXPECT_EQ(killed.exitCodeWithin(2s), 128 + SIGKILL);
+    }
+    const auto before = fs::last_write_time(socket);
+    const BackgroundProgram stopped(command());
+    ASSERT_TRUE(soon([&] { return fs::exists(socket) && fs::last_write_time(socket) != before; }));
+    stopped.signal(SIGSTOP);
+    BackgroundProgram refused(command());
+    EXPECT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
+    pressEscape();
+    EXPECT_EQ(refused.exitCodeWithin(2s), 4);
+}
+
+TEST_F(ProgramTests, aHungWatcherBesideATrayHoldsNothingUp) {
+    const Daemon tray({"tray-trayer"});
+    const Daemon watcher({"name-hung", "org.kde.StatusNotifierWatcher"});
+    BackgroundProgram program(command());
+    ASSERT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    EXPECT_EQ(startToEnd().exitCode, 0);
+    EXPECT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.exitCodeWithin(1s), 0);
+}
+
+TEST_F(ProgramTests, aDiagnosticRunLeavesTheUsersDataAndSettingsAlone) {
+    for (const char* const flag : {"--snapshot", "--capture-probe"}) {
+        EXPECT_EQ(startToEnd({flag}).exitCode, 3);
+        EXPECT_FALSE(fs::exists(data));
+        EXPECT_FALSE(fs::exists(settings));
+    }
+    const fs::path temporary = fs::temp_directory_path();
+    for (const auto& file : fs::directory_iterator(temporary))
+        EXPECT_THAT(file.path().filename().string(), Not(HasSubstr("tavik-snapshot-")));
+    BackgroundProgram normal(command({"--snapshots"}));
+    EXPECT_TRUE(soon([this] { return fs::exists(data + "/tavik.sqlite"); }));
+}
+
+TEST_F(ProgramTests, aBookThatCannotBeOpenedIsShownAndEndsTheProgramWhenThatIsClosed) {
+    fs::create_directories(data + "/tavik.sqlite");
+    BackgroundProgram program(command());
+    ASSERT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
+    EXPECT_EQ(startToEnd().exitCode, 0) << "the message was brought to the front";
+    pressEscape();
+    EXPECT_EQ(program.exitCodeWithin(3s), 2);
+    BackgroundProgram again(command());
+    ASSERT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
+    again.signal(SIGTERM);
+    EXPECT_EQ(again.exitCodeWithin(3s), 2);
+}
+
+TEST_F(ProgramTests, withoutADesktopItSaysSoAndHelpIsChinese) {
+    auto without = command();
+    without.insert(without.begin() + 1, {"-u", "DISPLAY"});
+    const auto refused = test::runProcess(without);
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.errors, HasSubstr("连不上图形界面"));
+    const auto help = startToEnd({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_THAT(help.output, HasSubstr("用法：tavik"));
+}
+
+} // namespace
+} // namespace tavik
