@@ -89,7 +89,7 @@ std::string awaitText(const std::string& text, const std::string& file) {
         std::string held = readFile(file);
         if (held.find(text) != std::string::npos) return held;
         if (std::chrono::steady_clock::now() > end)
-            throw std::runtime_error("no \"" + text + "\" in " + file + ": " + held);
+            throw std::runtime_error(held.insert(0, "not what was awaited in " + file + ": "));
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
