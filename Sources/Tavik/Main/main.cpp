@@ -37,10 +37,8 @@ constexpr std::string_view helpText =
     "启动后在系统托盘里运行；已经在运行时，再次启动会打开它的窗口。\n"
     "\n"
     "选项：\n"
-    "  --snapshot       用示例数据画出每个窗口，不动自己的生词本和设置\n"
-    "  --capture-probe  检查能否从正在运行的程序里读到文字，不动自己的生词本和设置\n"
-    "  --version        显示版本\n"
-    "  -h, --help       显示本说明\n"
+    "  --version   显示版本\n"
+    "  -h, --help  显示本说明\n"
     "\n"
     "环境变量 TAVIK_DATA_DIR 指定放生词本的目录。\n"
     "退出码：0 正常；1 没有图形界面；2 打不开生词本；3 这一版没有所要的功能；\n"
@@ -126,7 +124,9 @@ int giveWay(Claim claim) {
     if (claim == Claim::shownRunning) return exitOK;
     const auto message = QStringLiteral("Tavik 已经在运行，但没有回应。请结束它，再重新启动。");
     std::cerr << message.toStdString() << '\n';
-    QMessageBox::warning(nullptr, QStringLiteral("Tavik"), message, QMessageBox::Close);
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Tavik"), message);
+    box.addButton(QStringLiteral("关闭"), QMessageBox::RejectRole);
+    box.exec();
     return exitNoAnswer;
 }
 
