@@ -1,40 +1,21 @@
 #include "Platform/Linux/X11/XEmbedTrayHost.h"
 
-#include <xcb/xcb.h>
+#include "Platform/Linux/X11/XCBHandles.h"
 
 #include <QSocketNotifier>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace tavik {
 namespace {
 
-struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
-
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT: allocated by libxcb
-};
-
-using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
-template<typename T>
-using Reply = std::unique_ptr<T, FreeReply>;
-
 /// XCB_NONE when the connection is lost.
 xcb_atom_t atomOf(xcb_connection_t* connection, std::string_view name) {
     const auto request =
         xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, request, nullptr));
+    const XCBReply<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(connection, request, nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_NONE};
-}
-
-xcb_window_t rootOf(xcb_connection_t* connection, int screen) {
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; screen > 0 && screens.rem > 1; --screen)
-        xcb_screen_next(&screens);
-    return screens.data->root;
 }
 
 /// False when there is no such window any more.
@@ -42,7 +23,7 @@ bool followStructure(xcb_connection_t* connection, xcb_window_t window) {
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     const auto request =
         xcb_change_window_attributes_checked(connection, window, XCB_CW_EVENT_MASK, &events);
-    return !Reply<xcb_generic_error_t>(xcb_request_check(connection, request))
+    return !XCBReply<xcb_generic_error_t>(xcb_request_check(connection, request))
            && !xcb_connection_has_error(connection);
 }
 
@@ -68,7 +49,7 @@ private:
     /// Requests with a reply take in events too, after which the descriptor would stay silent: so
     /// this goes on until none is left.
     void handleEvents() {
-        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())})
+        while (const XCBReply<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())})
             if (isAboutOwner(*event)) findOwner();
         if (!xcb_connection_has_error(connection.get())) return;
         notifier->setEnabled(false);
@@ -95,7 +76,7 @@ private:
     void findOwner() {
         do {
             const auto request = xcb_get_selection_owner(connection.get(), selection);
-            const Reply<xcb_get_selection_owner_reply_t> reply(
+            const XCBReply<xcb_get_selection_owner_reply_t> reply(
                 xcb_get_selection_owner_reply(connection.get(), request, nullptr));
             owner = reply ? reply->owner : xcb_window_t{XCB_NONE};
         } while (owner != XCB_NONE && !followStructure(connection.get(), owner)
@@ -110,7 +91,7 @@ private:
 
     Published<Presence>& current;
     int screen = 0;
-    Connection connection;
+    XCBConnection connection;
     xcb_atom_t selection = XCB_NONE;
     xcb_atom_t manager = XCB_NONE;
     xcb_window_t owner = XCB_NONE;
