@@ -38,6 +38,8 @@ UI/Onboarding -> Environment UI/Widgets HotKey
 UI/Browser    -> Environment UI/Widgets HotKey UI/Review
 UI/*          -> Environment UI/Widgets
 Shell         -> UI/* Environment HotKey
+Platform/Linux/AtSpi -> Ports Platform/Linux/DBus
+Platform/Linux/DBus -> Ports
 Platform/*    -> Ports
 Main          -> *
 
@@ -78,6 +80,7 @@ SYSTEM_HEADERS = [
             "Tavik/Platform/Linux/AtSpi/",
             "Tavik/Platform/Linux/Secrets/",
             "Tavik/Platform/Linux/Speech/",
+            "Tavik/Platform/Linux/Xdg/",
         ],
         "只有几个适配器可以用 GLib",
     ),

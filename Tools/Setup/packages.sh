@@ -10,6 +10,7 @@
         libsqlite3-dev libicu-dev nlohmann-json3-dev libcli11-dev liburiparser-dev
         libcurl4-openssl-dev libssl-dev
         pkg-config qt6-base-dev qt6-svg-dev qt6-wayland libglib2.0-dev libsecret-1-dev libspeechd-dev libxcb1-dev
+        libxcb-randr0-dev
         fonts-noto-core fonts-noto-cjk
         wordnet-base ca-certificates
     )
@@ -19,11 +20,12 @@
     )
     test_packages=(libgtest-dev libgmock-dev clang-format clang-tidy shellcheck git)
     desktop_test_packages=(
-        xvfb openbox x11-utils xdotool dbus libglib2.0-bin at-spi2-core
+        xvfb openbox x11-utils x11-xserver-utils xdotool dbus libglib2.0-bin at-spi2-core
         gnome-keyring libsecret-tools dunst xfce4-notifyd libnotify-bin trayer tint2
         speech-dispatcher speech-dispatcher-espeak-ng speech-dispatcher-audio-plugins
         pulseaudio pulseaudio-utils
         xfwm4 metacity systemd
+        xclip mousepad featherpad firefox-esr chromium xfce4-terminal evince fonts-dejavu-core
         python3-gi python3-dbus python3-dbusmock
     )
     benchmark_packages=(sdcv)
