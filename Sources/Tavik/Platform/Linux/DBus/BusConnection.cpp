@@ -14,19 +14,6 @@ std::string environment(const char* name) {
     return value ? value : "";
 }
 
-/// Those of the alternatives in an address behind which a bus runs already.
-std::string withoutStarters(std::string_view address) {
-    std::string kept;
-    while (!address.empty()) {
-        const std::size_t end = std::min(address.find(';'), address.size());
-        const std::string_view one = address.substr(0, end);
-        if (one.starts_with("unix:") || one.starts_with("tcp:"))
-            kept.append(kept.empty() ? "" : ";").append(one);
-        address.remove_prefix(std::min(end + 1, address.size()));
-    }
-    return kept;
-}
-
 /// What GLib is given along with a callback: ours, and the promise that it will be called.
 template<typename Handler>
 struct Callback {
@@ -99,8 +86,20 @@ std::string systemBusAddress() {
     return address.empty() ? "unix:path=/var/run/dbus/system_bus_socket" : address;
 }
 
+std::string runningBusAddress(std::string_view address) {
+    std::string kept;
+    while (!address.empty()) {
+        const std::size_t end = std::min(address.find(';'), address.size());
+        const std::string_view one = address.substr(0, end);
+        if (one.starts_with("unix:") || one.starts_with("tcp:"))
+            kept.append(kept.empty() ? "" : ";").append(one);
+        address.remove_prefix(std::min(end + 1, address.size()));
+    }
+    return kept;
+}
+
 std::shared_ptr<BusConnection> BusConnection::open(BusThread& thread, const std::string& address) {
-    auto made = makeOn<BusConnection>(thread, thread, withoutStarters(address));
+    auto made = makeOn<BusConnection>(thread, thread, runningBusAddress(address));
     thread.run([weak = std::weak_ptr(made)] {
         if (const auto connection = weak.lock()) connection->connect();
     });

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,9 @@ enum class BusActivation { allowed, forbidden };
 std::string sessionBusAddress();
 /// Where the machine's bus is.
 std::string systemBusAddress();
+
+/// Those of the alternatives in an address behind which a bus runs already; empty if there is none.
+std::string runningBusAddress(std::string_view address);
 
 /// Keeps a handler of a connection; it is not called any more once this is gone. For the bus
 /// thread.
