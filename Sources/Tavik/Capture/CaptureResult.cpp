@@ -1,0 +1,17 @@
+#include "Capture/CaptureResult.h"
+
+namespace tavik {
+
+const char* text(CaptureMethod method) {
+    switch (method) {
+    case CaptureMethod::axMarker:
+        return "ax-marker";
+    case CaptureMethod::axText:
+        return "ax-text";
+    case CaptureMethod::clipboard:
+        break;
+    }
+    return "clipboard";
+}
+
+} // namespace tavik

@@ -1,0 +1,20 @@
+#include "Capture/ScreenAnchor.h"
+
+#include "Capture/Attribute.h"
+
+#include <cmath>
+
+namespace tavik {
+
+std::optional<ScreenRect> ScreenAnchor::from(const std::optional<ScreenRect>& rect) {
+    if (!rect || !(rect->width >= 0) || !(rect->height > 0)) return std::nullopt;
+    if (!screens) screens = attribute(workspace, &Workspace::screens);
+    if (screens->empty()) return std::nullopt;
+    const ScreenRect& primary = screens->front();
+    const double y = (primary.y + primary.height) - (rect->y + rect->height);
+    for (const double value : {rect->x, y, rect->width, rect->height})
+        if (!std::isfinite(value)) return std::nullopt;
+    return ScreenRect{rect->x, y, rect->width, rect->height};
+}
+
+} // namespace tavik
