@@ -1,6 +1,7 @@
 #include "Environment/AppEnvironment.h"
 
 #include "Base/ResourceFile.h"
+#include "Environment/StartOptionHint.h"
 #include "Vocabulary/BookFailure.h"
 
 #include <system_error>
@@ -25,6 +26,10 @@ std::unique_ptr<OfflineDictionary> openedDictionary(const std::optional<fs::path
     }
 }
 
+bool isTrust(AccessibilityTrust::State state) {
+    return state == AccessibilityTrust::State::trusted;
+}
+
 } // namespace
 
 fs::path AppEnvironment::defaultDataDirectory(const EnvironmentReader& environment) {
@@ -45,9 +50,29 @@ AppEnvironment::AppEnvironment(const fs::path& dataDirectory, AppSettings& setti
       bookPath(bookIn(dataDirectory)), vocabularyStore(bookPath),
       offlineDictionary(openedDictionary(dictionaryPath)),
       lookupService(offlineDictionary.get(), vocabularyStore),
-      self(std::make_shared<AppEnvironment*>(this)) {
+      self(std::make_shared<AppEnvironment*>(this)),
+      isTrusted(std::make_shared<std::atomic<bool>>(
+          isTrust(this->ports.accessibilityTrust.state().value()))),
+      trustChanges(this->ports.accessibilityTrust.state().observe(
+          [isTrusted = isTrusted](AccessibilityTrust::State state) {
+              *isTrusted = isTrust(state);
+          })),
+      selectionCapture(capturePorts()), log(this->ports.captureLog, this->ports.now) {
     watchStore();
     refreshCounts();
+}
+
+CapturePorts AppEnvironment::capturePorts() {
+    const std::weak_ptr<AppEnvironment*> weak = self;
+    MainQueue& queue = ports.mainQueue;
+    return {ports.accessibility, ports.workspace,
+            [isTrusted = isTrusted] { return isTrusted->load(); },
+            [weak, &queue](const std::string& bundleID) {
+                queue.post([weak, bundleID] {
+                    if (const auto environment = weak.lock())
+                        (*environment)->tellOfStartOption(bundleID);
+                });
+            }};
 }
 
 void AppEnvironment::watchStore() {
@@ -81,6 +106,13 @@ void AppEnvironment::noteFailure(const SQLiteDB::Error& error) {
     const std::string what = bookFailure(bookPath, error);
     trouble.set(BookTrouble{now, what});
     if (alarm.raise(now)) ports.notifier.notify("Tavik 无法读写生词本", what);
+}
+
+void AppEnvironment::tellOfStartOption(const std::string& bundleID) {
+    auto told = withStartOptionTold(appSettings.startOptionTold.value(), bundleID);
+    if (!told) return;
+    appSettings.startOptionTold.set(*std::move(told));
+    ports.notifier.notify("需要启动选项才能读取网页", startOptionHint(bundleID));
 }
 
 } // namespace tavik

@@ -3,13 +3,18 @@
 #include "Base/DataDirectory.h"
 #include "Base/Date.h"
 #include "Base/Published.h"
+#include "Capture/CaptureLog.h"
+#include "Capture/SelectionCapture.h"
 #include "Dictionary/OfflineDictionary.h"
 #include "Environment/BookAlarm.h"
 #include "Environment/Speech.h"
 #include "Lookup/LookupService.h"
+#include "Ports/Accessibility.h"
+#include "Ports/AccessibilityTrust.h"
 #include "Ports/MainQueue.h"
 #include "Ports/Notifier.h"
 #include "Ports/SpeechSynthesizer.h"
+#include "Ports/Workspace.h"
 #include "Settings/AppSettings.h"
 #include "Vocabulary/VocabularyStore.h"
 
@@ -19,6 +24,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace tavik {
 
@@ -27,7 +33,11 @@ struct EnvironmentPorts {
     MainQueue& mainQueue;
     SpeechSynthesizer& speechSynthesizer;
     Notifier& notifier;
+    Accessibility& accessibility;
+    AccessibilityTrust& accessibilityTrust;
+    Workspace& workspace;
     std::function<Date()> now = currentDate;
+    std::filesystem::path captureLog = CaptureLog::standardPath(environmentVariable);
 };
 
 /// Owns the services that every window works with, and publishes what all of them show. One for
@@ -64,6 +74,11 @@ public:
 
     Speech& speech() { return speechOutput; }
 
+    /// A copy may be used on another thread and outlive the environment.
+    SelectionCapture& capture() { return selectionCapture; }
+
+    const CaptureLog& captureLog() const { return log; }
+
     /// Words due and words saved, at the last refresh.
     const Published<std::int64_t>& dueNow() const { return due; }
 
@@ -79,8 +94,10 @@ public:
     const Published<std::optional<BookTrouble>>& bookTrouble() const { return trouble; }
 
 private:
+    CapturePorts capturePorts();
     void watchStore();
     void noteFailure(const SQLiteDB::Error& error);
+    void tellOfStartOption(const std::string& bundleID);
 
     AppSettings& appSettings;
     EnvironmentPorts ports;
@@ -97,6 +114,11 @@ private:
     bool isReadable = true;
     /// What other threads hold of this environment, which may be gone when they come back.
     std::shared_ptr<AppEnvironment*> self;
+    /// The trust in accessibility, for other threads.
+    std::shared_ptr<std::atomic<bool>> isTrusted;
+    Subscription trustChanges;
+    SelectionCapture selectionCapture;
+    CaptureLog log;
 };
 
 } // namespace tavik

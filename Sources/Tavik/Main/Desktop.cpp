@@ -2,13 +2,16 @@
 
 #include "Base/DataDirectory.h"
 #include "Base/PreferencesFile.h"
+#include "Platform/Linux/AtSpi/AtSpiAccessibility.h"
 #include "Platform/Linux/DBus/AccessibilityBus.h"
 #include "Platform/Linux/DBus/DesktopNotifier.h"
 #include "Platform/Linux/DBus/LogindWakeSignal.h"
 #include "Platform/Linux/DBus/StatusNotifierHost.h"
 #include "Platform/Linux/Secrets/SecretServiceKeychain.h"
 #include "Platform/Linux/Speech/SpeechDispatcher.h"
+#include "Platform/Linux/X11/X11Workspace.h"
 #include "Platform/Linux/X11/XEmbedTrayHost.h"
+#include "Platform/Linux/Xdg/DesktopEntries.h"
 #include "Platform/Linux/Xdg/JSONPreferenceStore.h"
 #include "Platform/Null/MemoryPreferenceStore.h"
 #include "Platform/Null/NullKeychain.h"
@@ -17,6 +20,8 @@
 #include "Platform/Null/NullWakeSignal.h"
 
 #include <chrono>
+#include <memory>
+#include <string>
 
 namespace tavik {
 namespace {
@@ -25,11 +30,20 @@ namespace {
 /// which giving up may take the rest.
 constexpr std::chrono::milliseconds longestGoodbye{2700};
 
+X11Workspace::NameOf namesOfPrograms() {
+    const auto entries = std::make_shared<DesktopEntries>();
+    return [entries](const std::string& identifier, const std::string& windowClass) {
+        return entries->name(identifier, windowClass);
+    };
+}
+
 } // namespace
 
 Desktop::Desktop(bool isDiagnostic)
     : sessionBus(BusConnection::open(busThread, sessionBusAddress())),
-      accessibilityTrust(std::make_unique<AccessibilityBus>(sessionBus, mainQueue)) {
+      accessibilityTrust(std::make_unique<AccessibilityBus>(sessionBus, mainQueue)),
+      accessibility(std::make_unique<AtSpiAccessibility>()),
+      workspace(std::make_unique<X11Workspace>(namesOfPrograms())) {
     if (isDiagnostic)
         fillInForDiagnosis();
     else
@@ -64,11 +78,11 @@ ShellPorts Desktop::shellPorts(SingleInstance& singleInstance) {
     std::vector<const TrayHost*> hosts;
     for (const auto& host : trayHosts)
         hosts.push_back(host.get());
-    return {{mainQueue, *speechSynthesizer, *notifier},
-            hosts,
-            *wakeSignal,
-            *accessibilityTrust,
-            singleInstance};
+    return {
+        {mainQueue, *speechSynthesizer, *notifier, *accessibility, *accessibilityTrust, *workspace},
+        hosts,
+        *wakeSignal,
+        singleInstance};
 }
 
 } // namespace tavik

@@ -3,12 +3,15 @@
 #include "Platform/Linux/DBus/BusConnection.h"
 #include "Platform/Linux/DBus/BusThread.h"
 #include "Platform/Qt/QtMainQueue.h"
+#include "Ports/Accessibility.h"
+#include "Ports/AccessibilityTrust.h"
 #include "Ports/Keychain.h"
 #include "Ports/Notifier.h"
 #include "Ports/PreferenceStore.h"
 #include "Ports/SingleInstance.h"
 #include "Ports/SpeechSynthesizer.h"
 #include "Ports/WakeSignal.h"
+#include "Ports/Workspace.h"
 #include "Shell/AppDelegate.h"
 
 #include <memory>
@@ -42,6 +45,8 @@ private:
     std::shared_ptr<BusConnection> sessionBus;
     std::shared_ptr<BusConnection> systemBus;
     std::unique_ptr<AccessibilityTrust> accessibilityTrust;
+    std::unique_ptr<Accessibility> accessibility;
+    std::unique_ptr<Workspace> workspace;
     std::unique_ptr<PreferenceStore> preferenceStore;
     std::unique_ptr<Keychain> secrets;
     std::unique_ptr<SpeechSynthesizer> speechSynthesizer;

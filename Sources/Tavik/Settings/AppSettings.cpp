@@ -80,6 +80,8 @@ AppSettings::AppSettings(PreferenceStore& defaults, Keychain& keychain, std::str
                     .value_or(HoverMode::always),
                 caseWriter<HoverMode>(defaults, PreferenceKeys::hoverMode)),
       hoverDelay(hoverDelayAt(defaults), writer<double>(defaults, PreferenceKeys::hoverDelay)),
+      startOptionTold(textAt(defaults, PreferenceKeys::startOptionTold),
+                      writer<std::string>(defaults, PreferenceKeys::startOptionTold)),
       apiKeyStorage(APIKeyStorage::unknown), keychain(keychain),
       keychainAccount(std::move(keychainAccount)), self(std::make_shared<AppSettings*>(this)) {
     readAPIKey();

@@ -69,6 +69,9 @@ public:
     Published<HoverMode> hoverMode;
     /// How long the mouse must rest on a word, in seconds.
     Published<double> hoverDelay;
+    /// The programs whose start option the user has been told of: their identifiers, each on a line
+    /// of its own.
+    Published<std::string> startOptionTold;
     Published<APIKeyStorage> apiKeyStorage;
     // NOLINTEND(cppcoreguidelines-non-private-member-variables-in-classes)
 

@@ -26,7 +26,7 @@ bool AppDelegate::openEnvironment(const std::filesystem::path& dataDirectory,
 
 void AppDelegate::finishLaunching() {
     // The user has agreed to it once; each session begins without.
-    if (settings.onboardingDone.value()) ports.accessibilityTrust.enable();
+    if (settings.onboardingDone.value()) ports.environment.accessibilityTrust.enable();
     statusItem = std::make_unique<StatusItem>(ports.trayHosts, menuRows, [this] { showProgram(); });
     updateStatusItem();
     follow(env->dueNow());

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Environment/AppEnvironment.h"
-#include "Ports/AccessibilityTrust.h"
 #include "Ports/SingleInstance.h"
 #include "Ports/TrayHost.h"
 #include "Ports/WakeSignal.h"
@@ -24,7 +23,6 @@ struct ShellPorts {
     EnvironmentPorts environment;
     std::vector<const TrayHost*> trayHosts;
     WakeSignal& wakeSignal;
-    AccessibilityTrust& accessibilityTrust;
     SingleInstance& singleInstance;
 };
 

@@ -27,6 +27,7 @@ inline constexpr const char* llmBaseURL = "llmBaseURL";
 inline constexpr const char* onboardingDone = "onboardingDone";
 inline constexpr const char* hoverMode = "hoverMode";
 inline constexpr const char* hoverDelay = "hoverDelay";
+inline constexpr const char* startOptionTold = "startOptionTold";
 
 } // namespace PreferenceKeys
 

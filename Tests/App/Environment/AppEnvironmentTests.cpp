@@ -1,4 +1,6 @@
+#include "App/Support/FakeAccessibility.h"
 #include "App/Support/Fakes.h"
+#include "Capture/CaptureError.h"
 #include "Environment/AppEnvironment.h"
 #include "Platform/Null/MemoryPreferenceStore.h"
 #include "Storage/SQLiteDB.h"
@@ -23,9 +25,10 @@ using testing::HasSubstr;
 class AppEnvironmentTest : public testing::Test {
 protected:
     AppEnvironment& make(const std::optional<fs::path>& dictionary = std::nullopt) {
-        return environment.emplace(
-            data, settings, dictionary,
-            EnvironmentPorts{queue, speech, notifier, [this] { return now; }});
+        return environment.emplace(data, settings, dictionary,
+                                   EnvironmentPorts{queue, speech, notifier, accessibility, trust,
+                                                    workspace, [this] { return now; },
+                                                    directory.file("capture.log")});
     }
 
     test::TemporaryDirectory directory;
@@ -34,6 +37,9 @@ protected:
     test::ManualMainQueue queue;
     test::RecordingSpeech speech;
     test::RecordingNotifier notifier;
+    test::FakeAccessibility accessibility;
+    test::FakeAccessibilityTrust trust;
+    test::FakeWorkspace workspace;
     MemoryPreferenceStore preferences;
     test::FakeKeychain keychain;
     AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};
@@ -111,6 +117,63 @@ TEST_F(AppEnvironmentTest, aPlaceThatCannotHoldTheBookIsReportedAsItIs) {
     const fs::path kept = setEmptiedBookAside((data / "tavik.sqlite").string(), now);
     EXPECT_TRUE(fs::exists(kept.string() + "-wal"));
     EXPECT_EQ(make().totalWords().value(), 0);
+}
+
+TEST_F(AppEnvironmentTest, capturesFollowTheTrustAndOutliveTheEnvironment) {
+    using State = AccessibilityTrust::State;
+    const auto failure = [](const SelectionCapture& capture) {
+        std::string what;
+        std::jthread([&] {
+            try {
+                static_cast<void>(capture.capture());
+            } catch (const CaptureError& error) {
+                what = error.what();
+            }
+        }).join();
+        return what;
+    };
+    const SelectionCapture early = make().capture();
+    EXPECT_THAT(failure(early), HasSubstr("权限"));
+    trust.current.set(State::trusted);
+    EXPECT_THAT(failure(early), HasSubstr("没有读取到"));
+    const SelectionCapture late = make().capture();
+    EXPECT_THAT(failure(late), HasSubstr("没有读取到"));
+    trust.current.set(State::notTrusted);
+    EXPECT_THAT(failure(late), HasSubstr("权限"));
+    environment.reset();
+    trust.current.set(State::trusted);
+    EXPECT_THAT(failure(late), HasSubstr("权限"));
+}
+
+TEST_F(AppEnvironmentTest, aStartOptionIsToldOfOnceForEachProgram) {
+    trust.current.set(AccessibilityTrust::State::trusted);
+    const auto captureFrom = [this](const std::string& bundleID) {
+        workspace.front = {"浏览器", bundleID, 4'000'000'000, "", {}, {}};
+        EXPECT_THROW(make().capture().capture(), CaptureError);
+        EXPECT_EQ(queue.size(), 1U);
+        queue.runAll();
+    };
+    captureFrom("Google-chrome");
+    ASSERT_EQ(notifier.notifications.size(), 1U);
+    EXPECT_EQ(notifier.notifications.front().first, "需要启动选项才能读取网页");
+    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("「Google-chrome」"));
+    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("--force-renderer-accessibility"));
+    captureFrom("google-chrome");
+    EXPECT_EQ(notifier.notifications.size(), 1U);
+    captureFrom("google-chrome\nbeta");
+    captureFrom("google-chrome\nbeta");
+    EXPECT_EQ(notifier.notifications.size(), 2U);
+    const AppSettings again(preferences, keychain, AppSettings::standardKeychainAccount);
+    EXPECT_EQ(again.startOptionTold.value(), "google-chrome\ngoogle-chrome\uFFFDbeta");
+    for (int i = 0; i < 200; ++i)
+        captureFrom("chromium-" + std::to_string(i));
+    EXPECT_LT(notifier.notifications.size(), 200U) << "a desktop that makes fun of us";
+    EXPECT_LT(settings.startOptionTold.value().size(), 2100U);
+}
+
+TEST_F(AppEnvironmentTest, captureLogsGoWhereTheyAreTold) {
+    make().captureLog().write(CaptureError(CaptureError::Kind::notTrusted), now);
+    EXPECT_THAT(test::readFile(directory.file("capture.log")), HasSubstr("权限"));
 }
 
 TEST_F(AppEnvironmentTest, speechIsAmericanALittleSlowerAndEndsWhatIsSpoken) {

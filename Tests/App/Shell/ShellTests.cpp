@@ -1,5 +1,7 @@
 #include "App/Support/Fakes.h"
 #include "Platform/Null/MemoryPreferenceStore.h"
+#include "Platform/Null/NullAccessibility.h"
+#include "Platform/Null/NullWorkspace.h"
 #include "Shell/AppDelegate.h"
 #include "Shell/StatusIcon.h"
 #include "Shell/StatusTexts.h"
@@ -70,6 +72,8 @@ protected:
     test::ManualMainQueue queue;
     test::RecordingSpeech speech;
     test::RecordingNotifier notifier;
+    NullAccessibility accessibility;
+    NullWorkspace workspace;
     MemoryPreferenceStore preferences;
     test::FakeKeychain keychain;
     test::FakeTrayHost tray;
@@ -77,9 +81,12 @@ protected:
     test::FakeAccessibilityTrust trust;
     test::FakeSingleInstance instance;
     AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};
-    AppDelegate delegate{
-        settings,
-        {{queue, speech, notifier, [this] { return now; }}, {&tray}, wakeSignal, trust, instance}};
+    AppDelegate delegate{settings,
+                         {{queue, speech, notifier, accessibility, trust, workspace,
+                           [this] { return now; }, directory.file("capture.log")},
+                          {&tray},
+                          wakeSignal,
+                          instance}};
     std::vector<std::string> boxTexts;
 };
 
