@@ -84,6 +84,13 @@ private:
     bool isChosen = false;
 };
 
+/// Our windows are read like those of others, also where accessibility is switched on only later.
+/// Qt asks for this when the bus has answered, so it stays.
+void letOwnWindowsBeRead() {
+    constexpr const char* name = "QT_LINUX_ACCESSIBILITY_ALWAYS_ON";
+    if (!environmentVariable(name)) qputenv(name, "1");
+}
+
 void describe(QApplication& application) {
     QApplication::setApplicationName(QStringLiteral("tavik"));
     QApplication::setApplicationDisplayName(QStringLiteral("Tavik"));
@@ -166,6 +173,7 @@ int start(int argumentCount, char** arguments) {
     std::optional<DiagnosticDirectory> ownDirectory;
     if (isDiagnostic(mode)) ownDirectory.emplace();
     if (!hasDesktop()) return exitNoDisplay;
+    letOwnWindowsBeRead();
     PreferredPlatform platform;
     QApplication application(argumentCount, arguments);
     platform.restore();
