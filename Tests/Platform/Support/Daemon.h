@@ -19,6 +19,8 @@ public:
     BackgroundProgram(const BackgroundProgram&) = delete;
     BackgroundProgram& operator=(const BackgroundProgram&) = delete;
 
+    pid_t id() const { return process; }
+
     /// Sends it a signal, unless it has ended.
     void signal(int number) const;
 
