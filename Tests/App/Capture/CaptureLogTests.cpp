@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <latch>
 #include <stdexcept>
 #include <string>
@@ -123,16 +124,17 @@ TEST_F(CaptureLogTest, manyWritersKeepTheirLinesWhole) {
         for (int i = 0; i < 200; ++i)
             log().write(result, start);
     };
-    {
-        std::vector<std::jthread> processes;
+    const auto writeInChild = [&] {
+        test::inChild({}, [&] {
+            writeMany();
+            return std::string();
+        });
+    };
+    for (const std::function<void()>& work :
+         {std::function<void()>(writeInChild), std::function<void()>(writeMany)}) {
+        std::vector<std::jthread> writers;
         for (int i = 0; i < 4; ++i)
-            processes.emplace_back([&] {
-                test::inChild({}, [&] {
-                    const std::jthread other(writeMany);
-                    writeMany();
-                    return std::string();
-                });
-            });
+            writers.emplace_back(work);
     }
     const std::string all = test::readFile(file.string() + ".1") + contents();
     EXPECT_EQ(std::ranges::count(all, '\n'), 1 + 8 * 200);

@@ -99,9 +99,35 @@ std::string accessibilityBusAddress(LocalLoop& loop, Deadline deadline) {
 
 } // namespace
 
+/// The right to make the connection, if it came before the deadline.
+class AtSpiConnection::Turn {
+public:
+    Turn(AtSpiConnection& owner, Deadline deadline) : owner(owner) {
+        std::unique_lock held(owner.lock);
+        isOurs = owner.turnEnded.wait_until(held, deadline, [&owner] { return !owner.isTaken; });
+        if (isOurs) owner.isTaken = true;
+    }
+
+    ~Turn() {
+        if (!isOurs) return;
+        const std::lock_guard held(owner.lock);
+        owner.isTaken = false;
+        owner.turnEnded.notify_one();
+    }
+
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+    bool hasCome() const { return isOurs; }
+
+private:
+    AtSpiConnection& owner;
+    bool isOurs = false;
+};
+
 std::shared_ptr<GDBusConnection> AtSpiConnection::before(Deadline deadline) {
-    const std::unique_lock held(lock, deadline);
-    if (!held) return nullptr;
+    const Turn turn(*this, deadline);
+    if (!turn.hasCome()) return nullptr;
     if (connection && g_dbus_connection_is_closed(connection.get())) connection.reset();
     if (!connection) {
         LocalLoop loop;

@@ -3,6 +3,7 @@
 #include "Platform/Linux/DBus/GLibHandles.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 
@@ -19,7 +20,12 @@ public:
     std::shared_ptr<GDBusConnection> before(Deadline deadline);
 
 private:
-    std::timed_mutex lock;
+    class Turn;
+
+    std::mutex lock;
+    std::condition_variable turnEnded;
+    /// Only one thread makes the connection; the others wait for it.
+    bool isTaken = false;
     std::shared_ptr<GDBusConnection> connection;
 };
 
