@@ -64,6 +64,11 @@ void restrict(const Restrictions& restrictions) {
 } // namespace
 
 ProcessResult runProcess(std::vector<std::string> command, const std::string& input) {
+    // Before the fork: another thread may hold the lock of the memory then, for ever in the child.
+    std::vector<char*> arguments;
+    for (std::string& argument : command)
+        arguments.push_back(argument.data());
+    arguments.push_back(nullptr);
     const Pipe in;
     const Pipe out;
     const Pipe err;
@@ -77,10 +82,6 @@ ProcessResult runProcess(std::vector<std::string> command, const std::string& in
         for (const Pipe& pipe : {in, out, err})
             for (const int end : pipe.ends)
                 close(end);
-        std::vector<char*> arguments;
-        for (std::string& argument : command)
-            arguments.push_back(argument.data());
-        arguments.push_back(nullptr);
         execv(arguments.front(), arguments.data());
         _exit(127);
     }
