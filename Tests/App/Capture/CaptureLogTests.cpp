@@ -8,11 +8,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <latch>
 #include <stdexcept>
 #include <string>
@@ -124,17 +124,19 @@ TEST_F(CaptureLogTest, manyWritersKeepTheirLinesWhole) {
         for (int i = 0; i < 200; ++i)
             log().write(result, start);
     };
-    const auto writeInChild = [&] {
-        test::inChild({}, [&] {
-            writeMany();
-            return std::string();
-        });
-    };
-    for (const std::function<void()>& work :
-         {std::function<void()>(writeInChild), std::function<void()>(writeMany)}) {
-        std::vector<std::jthread> writers;
+    std::vector<pid_t> processes;
+    for (int i = 0; i < 4; ++i) {
+        processes.push_back(fork());
+        if (processes.back() != 0) continue;
+        writeMany();
+        _exit(0);
+    }
+    for (const pid_t process : processes)
+        EXPECT_EQ(waitpid(process, nullptr, 0), process);
+    {
+        std::vector<std::jthread> threads;
         for (int i = 0; i < 4; ++i)
-            writers.emplace_back(work);
+            threads.emplace_back(writeMany);
     }
     const std::string all = test::readFile(file.string() + ".1") + contents();
     EXPECT_EQ(std::ranges::count(all, '\n'), 1 + 8 * 200);
