@@ -1,7 +1,6 @@
+#include "App/Support/FakeAccessibility.h"
 #include "App/Support/Fakes.h"
 #include "Platform/Null/MemoryPreferenceStore.h"
-#include "Platform/Null/NullAccessibility.h"
-#include "Platform/Null/NullWorkspace.h"
 #include "Shell/AppDelegate.h"
 #include "Shell/StatusIcon.h"
 #include "Shell/StatusTexts.h"
@@ -72,8 +71,8 @@ protected:
     test::ManualMainQueue queue;
     test::RecordingSpeech speech;
     test::RecordingNotifier notifier;
-    NullAccessibility accessibility;
-    NullWorkspace workspace;
+    test::FakeAccessibility accessibility;
+    test::FakeWorkspace workspace;
     MemoryPreferenceStore preferences;
     test::FakeKeychain keychain;
     test::FakeTrayHost tray;

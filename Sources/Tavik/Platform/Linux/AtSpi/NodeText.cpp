@@ -2,6 +2,8 @@
 
 #include "Platform/Linux/AtSpi/AtSpiConstants.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -15,16 +17,6 @@ constexpr char16_t paragraphSeparator = u'\u2029';
 /// Where Qt's tables and frames begin and end.
 bool isFrameMark(char32_t scalar) {
     return scalar == 0xFDD0 || scalar == 0xFDD1;
-}
-
-char32_t nextCodePoint(std::string_view utf8, std::size_t& at) {
-    const auto lead = static_cast<unsigned char>(utf8[at]);
-    const std::size_t size = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    char32_t scalar = size == 1 ? lead : lead & (0x7FU >> size);
-    for (std::size_t i = 1; i < size && at + i < utf8.size(); ++i)
-        scalar = scalar << 6 | (static_cast<unsigned char>(utf8[at + i]) & 0x3FU);
-    at += size;
-    return scalar;
 }
 
 bool isLead(char16_t unit) {
@@ -47,7 +39,8 @@ NodeText::NodeText(std::string_view delivered, std::int64_t count) {
     bool isBehindWide = false;
     text.reserve(delivered.size());
     for (std::size_t at = 0; at < delivered.size(); ++codePoints) {
-        const char32_t scalar = nextCodePoint(delivered, at);
+        const char32_t scalar = g_utf8_get_char(&delivered[at]);
+        at += static_cast<std::size_t>(g_unichar_to_utf8(scalar, nullptr));
         if (isBehindWide && scalar == padding) {
             isPadded = true;
             isBehindWide = false;
