@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <xcb/xcb.h>
 
 #include <QByteArray>
@@ -15,6 +16,7 @@
 #include <initializer_list>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 namespace tavik {
 namespace {
@@ -82,8 +84,16 @@ public:
     }
 
     void setNumbers(xcb_window_t window, std::string_view name, std::string_view type,
-                    std::initializer_list<std::uint32_t> numbers) {
-        set(window, name, type, 32, static_cast<std::uint32_t>(numbers.size()), numbers.begin());
+                    const std::vector<std::uint32_t>& numbers) {
+        set(window, name, type, 32, static_cast<std::uint32_t>(numbers.size()), numbers.data());
+    }
+
+    void setAtoms(xcb_window_t window, std::string_view name,
+                  std::initializer_list<std::string_view> values) {
+        std::vector<std::uint32_t> atoms;
+        for (const std::string_view value : values)
+            atoms.push_back(atom(value));
+        setNumbers(window, name, "ATOM", atoms);
     }
 
     void activate(xcb_window_t window) {
@@ -146,6 +156,24 @@ protected:
         EXPECT_EQ(result.exitCode, 0) << result.errors;
     }
 
+    /// Another window, by what it is told as: "pid/class@title".
+    xcb_window_t add(std::uint32_t process, const std::string& windowClass,
+                     const std::string& title) {
+        const xcb_window_t added = client.addWindow(0, 0, client.root());
+        if (process > 0) client.setNumbers(added, "_NET_WM_PID", "CARDINAL", {process});
+        client.setText(added, "WM_CLASS", "STRING", "x" + std::string(1, '\0') + windowClass);
+        client.setText(added, "WM_NAME", "STRING", title);
+        return added;
+    }
+
+    std::vector<std::string> applications() {
+        std::vector<std::string> told;
+        for (const auto& each : workspace.applications())
+            told.push_back(std::to_string(each.processIdentifier) + '/'
+                           + each.bundleIdentifier.value_or("") + '@' + each.windowTitle);
+        return told;
+    }
+
     bool isNothing() { return !workspace.frontApplication(); }
 
     NestedServer server{"-screen 0 800x600x24"};
@@ -194,9 +222,9 @@ TEST_F(WorkspaceTests, whatMakesNoSenseCountsAsAbsent) {
     EXPECT_EQ(front().frame, front().contents);
     EXPECT_EQ(front().processIdentifier, 1234);
     client.setText(window, "_NET_WM_PID", "CARDINAL", "1234");
-    EXPECT_EQ(front().processIdentifier, 0);
+    EXPECT_EQ(front().processIdentifier, getpid()) << "as the server knows it";
     client.setNumbers(window, "_NET_WM_PID", "WINDOW", {1234});
-    EXPECT_EQ(front().processIdentifier, 0);
+    EXPECT_EQ(front().processIdentifier, getpid());
     client.setNumbers(window, "_NET_WM_PID", "CARDINAL", {0xffffffff});
     EXPECT_EQ(front().processIdentifier, 0);
     EXPECT_EQ(front().windowTitle, "café") << "known all the same";
@@ -211,6 +239,35 @@ TEST_F(WorkspaceTests, aWindowThatIsGoneOrWasNeverThereIsNothing) {
     EXPECT_TRUE(isNothing());
     client.setText(client.root(), "_NET_ACTIVE_WINDOW", "WINDOW", "text");
     EXPECT_TRUE(isNothing());
+}
+
+TEST_F(WorkspaceTests, everyApplicationIsToldOnceWithItsUppermostWindow) {
+    EXPECT_THAT(applications(), IsEmpty()) << "no window manager, no list";
+    const xcb_window_t lower = add(7, "Web", "lower");
+    const xcb_window_t upper = add(7, "Web", "upper");
+    const xcb_window_t foreign = add(0xffffffff, "Far", "far");
+    const xcb_window_t sameForeign = add(0xffffffff, "Far", "far too");
+    const xcb_window_t untold = add(0, "Term", "told by the server");
+    const xcb_window_t panel = add(8, "Panel", "panel");
+    client.setAtoms(panel, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_DOCK"});
+    const xcb_window_t dialog = add(9, "Edit", "dialog");
+    client.setAtoms(dialog, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_DIALOG"});
+    client.setNumbers(client.root(), "_NET_CLIENT_LIST", "WINDOW", {upper, dialog});
+    EXPECT_THAT(applications(), ElementsAre("9/edit@dialog", "7/web@upper"));
+    client.setNumbers(client.root(), "_NET_CLIENT_LIST_STACKING", "WINDOW",
+                      {lower, sameForeign, foreign, untold, panel, upper, dialog, 0xffffffff});
+    EXPECT_THAT(applications(),
+                ElementsAre("9/edit@dialog", "7/web@upper",
+                            std::to_string(getpid()) + "/term@told by the server", "0/far@far"));
+}
+
+TEST_F(WorkspaceTests, aListThatIsTooLongCostsNoMoreThanItsUppermostWindows) {
+    std::vector<std::uint32_t> windows(100'000, 0xffffffff);
+    windows.at(4095) = add(7, "Web", "page");
+    client.setNumbers(client.root(), "_NET_CLIENT_LIST_STACKING", "WINDOW", windows);
+    const auto begin = Clock::now();
+    EXPECT_THAT(applications(), ElementsAre("7/web@page"));
+    EXPECT_LT(Clock::now() - begin, latest);
 }
 
 TEST_F(WorkspaceTests, aServerThatIsStoppedHoldsNobodyUpAndIsAskedAgain) {

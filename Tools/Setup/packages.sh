@@ -10,7 +10,7 @@
         libsqlite3-dev libicu-dev nlohmann-json3-dev libcli11-dev liburiparser-dev
         libcurl4-openssl-dev libssl-dev
         pkg-config qt6-base-dev qt6-svg-dev qt6-wayland libglib2.0-dev libsecret-1-dev libspeechd-dev libxcb1-dev
-        libxcb-randr0-dev
+        libxcb-randr0-dev libxcb-res0-dev libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xtest0-dev
         fonts-noto-core fonts-noto-cjk
         wordnet-base ca-certificates
     )
@@ -26,6 +26,7 @@
         pulseaudio pulseaudio-utils
         xfwm4 metacity systemd
         xclip mousepad featherpad firefox-esr chromium xfce4-terminal evince fonts-dejavu-core
+        xterm tk xfce4-clipman parcellite
         python3-gi python3-dbus python3-dbusmock
     )
     benchmark_packages=(sdcv)

@@ -9,7 +9,7 @@
 
 namespace tavik {
 
-/// The application whose window has the keyboard.
+/// An application as one of its windows shows it: mostly the one that has the keyboard.
 struct FrontApplication {
     /// Its name in the user's language.
     std::optional<std::string> localizedName;
@@ -23,6 +23,8 @@ struct FrontApplication {
     /// around it.
     ScreenRect contents;
     ScreenRect frame;
+    /// The window system's own number for it.
+    std::uint32_t window = 0;
 };
 
 /// What the desktop knows of its windows and screens. Safe from any thread; waits for the window
@@ -33,6 +35,10 @@ public:
 
     /// Nothing when no window has the keyboard or the desktop does not tell.
     virtual std::optional<FrontApplication> frontApplication() = 0;
+
+    /// Every application that has a window, with its uppermost one; the uppermost application
+    /// first.
+    virtual std::vector<FrontApplication> applications() = 0;
 
     /// The screens, from the top left of the desktop, the primary one first. Empty when the desktop
     /// does not tell.

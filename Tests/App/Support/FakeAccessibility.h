@@ -278,6 +278,8 @@ public:
         return front;
     }
 
+    std::vector<FrontApplication> applications() override { return running; }
+
     std::vector<ScreenRect> screens() override {
         ++screenQuestions;
         if (isFailing) throw std::runtime_error("gone");
@@ -285,6 +287,7 @@ public:
     }
 
     std::optional<FrontApplication> front;
+    std::vector<FrontApplication> running;
     std::vector<ScreenRect> shown{{0, 0, 1920, 1080}, {1920, 0, 1280, 1024}};
     bool isFailing = false;
     int questions = 0;

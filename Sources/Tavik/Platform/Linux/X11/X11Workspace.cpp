@@ -1,163 +1,23 @@
 #include "Platform/Linux/X11/X11Workspace.h"
 
 #include "Platform/Linux/X11/DisplayThread.h"
+#include "Platform/Linux/X11/WindowReader.h"
 
 #include <xcb/randr.h>
 
 #include <QString>
-#include <algorithm>
-#include <array>
-#include <limits>
-#include <string_view>
+#include <set>
 #include <utility>
 
 namespace tavik {
 namespace {
 
 constexpr std::chrono::milliseconds longestWait{1000};
-/// Of a text that a window carries, in words of four bytes.
-constexpr std::uint32_t longestText = 1024;
-/// Coordinates of X have 16 bits.
-constexpr std::uint32_t widestFrame = std::numeric_limits<std::int16_t>::max();
+/// Of the windows that are looked at for applications.
+constexpr std::size_t mostWindows = 200;
 
-enum AtomIndex : std::size_t {
-    activeWindow,
-    process,
-    title,
-    applicationID,
-    frameExtents,
-    utf8Text,
-    compoundText,
-    atomCount
-};
-
-constexpr std::array<std::string_view, atomCount> atomNames{
-    "_NET_ACTIVE_WINDOW", "_NET_WM_PID", "_NET_WM_NAME", "_GTK_APPLICATION_ID",
-    "_NET_FRAME_EXTENTS", "UTF8_STRING", "COMPOUND_TEXT"};
-
-using Atoms = std::array<xcb_atom_t, atomCount>;
-
-/// XCB_NONE stands for a name that nobody has used yet.
-Atoms atomsOf(xcb_connection_t* connection) {
-    std::array<xcb_intern_atom_cookie_t, atomCount> requests{};
-    std::transform(atomNames.begin(), atomNames.end(), requests.begin(),
-                   [&](std::string_view name) {
-                       const auto length = static_cast<std::uint16_t>(name.size());
-                       return xcb_intern_atom(connection, 1, length, name.data());
-                   });
-    Atoms atoms{};
-    std::transform(requests.begin(), requests.end(), atoms.begin(), [&](const auto& request) {
-        const XCBReply<xcb_intern_atom_reply_t> reply(
-            xcb_intern_atom_reply(connection, request, nullptr));
-        return reply ? reply->atom : xcb_atom_t{XCB_NONE};
-    });
-    return atoms;
-}
-
-/// Reads windows, any of which may be gone by now. A property of another type than it should have
-/// counts as absent.
-class WindowReader {
-public:
-    explicit WindowReader(const OpenDisplay& display)
-        : display(display), atoms(atomsOf(display.connection)) {}
-
-    xcb_window_t active() const {
-        return firstNumber(display.root, activeWindow, XCB_ATOM_WINDOW).value_or(XCB_NONE);
-    }
-
-    std::int64_t processOf(xcb_window_t window) const {
-        return firstNumber(window, process, XCB_ATOM_CARDINAL).value_or(0);
-    }
-
-    QString titleOf(xcb_window_t window) const {
-        QString text = textOf(window, atoms.at(title));
-        return text.isEmpty() ? textOf(window, XCB_ATOM_WM_NAME) : text;
-    }
-
-    QString applicationOf(xcb_window_t window) const {
-        return textOf(window, atoms.at(applicationID));
-    }
-
-    /// The second of two texts; the first is the instance.
-    QString classOf(xcb_window_t window) const {
-        return partsOf(window, XCB_ATOM_WM_CLASS).section(QChar::Null, 1, 1);
-    }
-
-    std::optional<ScreenRect> contentsOf(xcb_window_t window) const {
-        xcb_connection_t* on = display.connection;
-        const auto sizeRequest = xcb_get_geometry(on, window);
-        const auto placeRequest = xcb_translate_coordinates(on, window, display.root, 0, 0);
-        const XCBReply<xcb_get_geometry_reply_t> size(
-            xcb_get_geometry_reply(on, sizeRequest, nullptr));
-        const XCBReply<xcb_translate_coordinates_reply_t> place(
-            xcb_translate_coordinates_reply(on, placeRequest, nullptr));
-        if (!size || !place) return std::nullopt;
-        return ScreenRect{static_cast<double>(place->dst_x), static_cast<double>(place->dst_y),
-                          static_cast<double>(size->width), static_cast<double>(size->height)};
-    }
-
-    /// `contents` with the frame around it.
-    ScreenRect frameOf(xcb_window_t window, const ScreenRect& contents) const {
-        const auto extents = numbersOf(window, frameExtents, XCB_ATOM_CARDINAL, 4);
-        const auto isWide = [](std::uint32_t extent) { return extent > widestFrame; };
-        if (extents.size() != 4 || std::any_of(extents.begin(), extents.end(), isWide))
-            return contents;
-        const double left = extents[0];
-        const double right = extents[1];
-        const double top = extents[2];
-        const double bottom = extents[3];
-        return {contents.x - left, contents.y - top, contents.width + left + right,
-                contents.height + top + bottom};
-    }
-
-private:
-    using Property = XCBReply<xcb_get_property_reply_t>;
-
-    Property read(xcb_window_t window, xcb_atom_t name, std::uint32_t words) const {
-        if (name == XCB_NONE) return nullptr;
-        const auto request = xcb_get_property(display.connection, 0, window, name,
-                                              XCB_GET_PROPERTY_TYPE_ANY, 0, words);
-        return Property(xcb_get_property_reply(display.connection, request, nullptr));
-    }
-
-    std::vector<std::uint32_t> numbersOf(xcb_window_t window, AtomIndex name, xcb_atom_t type,
-                                         std::uint32_t count) const {
-        const Property property = read(window, atoms.at(name), count);
-        if (!property || property->type != type || property->format != 32) return {};
-        const auto* first =
-            static_cast<const std::uint32_t*>(xcb_get_property_value(property.get()));
-        return {first, first + property->value_len};
-    }
-
-    std::optional<std::uint32_t> firstNumber(xcb_window_t window, AtomIndex name,
-                                             xcb_atom_t type) const {
-        const auto numbers = numbersOf(window, name, type, 1);
-        return numbers.empty() ? std::nullopt : std::optional(numbers.front());
-    }
-
-    QString textOf(xcb_window_t window, xcb_atom_t name) const {
-        return partsOf(window, name).section(QChar::Null, 0, 0);
-    }
-
-    /// One text or several, parted by NUL.
-    QString partsOf(xcb_window_t window, xcb_atom_t name) const {
-        const Property property = read(window, name, longestText);
-        if (!property || property->format != 8) return {};
-        const QByteArray bytes(static_cast<const char*>(xcb_get_property_value(property.get())),
-                               static_cast<qsizetype>(property->value_len));
-        if (property->type == atoms.at(utf8Text)) return QString::fromUtf8(bytes);
-        // Compound text is Latin-1 until it escapes to other encodings.
-        if (property->type == XCB_ATOM_STRING
-            || (property->type == atoms.at(compoundText) && !bytes.contains('\x1b')))
-            return QString::fromLatin1(bytes);
-        return {};
-    }
-
-    const OpenDisplay& display;
-    Atoms atoms;
-};
-
-struct ActiveWindow {
+/// A window, and what its application calls itself in it.
+struct FoundWindow {
     FrontApplication application;
     std::string windowClass;
 };
@@ -166,25 +26,47 @@ std::optional<std::string> nonEmpty(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(text.toStdString());
 }
 
-std::optional<ActiveWindow> findActiveWindow(const OpenDisplay& display) {
-    const WindowReader reader(display);
-    const xcb_window_t window = reader.active();
-    if (window == XCB_NONE) return std::nullopt;
-    std::int64_t processIdentifier = reader.processOf(window);
-    if (processIdentifier > std::numeric_limits<pid_t>::max()) processIdentifier = 0;
+/// Nothing when the window is gone.
+std::optional<FoundWindow> read(const WindowReader& reader, xcb_window_t window) {
     const QString windowClass = reader.classOf(window);
     const auto applicationID = nonEmpty(reader.applicationOf(window));
     const QString title = reader.titleOf(window);
+    const std::int64_t process = reader.processOf(window);
     const auto contents = reader.contentsOf(window);
     if (!contents) return std::nullopt;
-    return ActiveWindow{
+    return FoundWindow{
         {.localizedName = std::nullopt,
          .bundleIdentifier = applicationID ? applicationID : nonEmpty(windowClass.toLower()),
-         .processIdentifier = processIdentifier,
+         .processIdentifier = process,
          .windowTitle = title.toStdString(),
          .contents = *contents,
-         .frame = reader.frameOf(window, *contents)},
+         .frame = reader.frameOf(window, *contents),
+         .window = window},
         windowClass.toStdString()};
+}
+
+std::optional<FoundWindow> findActiveWindow(const OpenDisplay& display) {
+    const WindowReader reader(display);
+    const xcb_window_t window = reader.active();
+    return window == XCB_NONE ? std::nullopt : read(reader, window);
+}
+
+/// One window of each process, and of each class of windows that do not tell theirs.
+std::vector<FoundWindow> findApplications(const OpenDisplay& display) {
+    const WindowReader reader(display);
+    std::vector<FoundWindow> found;
+    std::set<std::pair<std::int64_t, QString>> seen;
+    for (const xcb_window_t window : reader.uppermost(mostWindows)) {
+        if (!reader.isNormal(window)) continue;
+        const std::int64_t process = reader.processOf(window);
+        const std::pair key(process, process > 0 ? QString() : reader.classOf(window));
+        if (seen.contains(key)) continue;
+        if (auto whole = read(reader, window)) {
+            found.push_back(*std::move(whole));
+            seen.insert(key);
+        }
+    }
+    return found;
 }
 
 bool hasRandR(xcb_connection_t* connection) {
@@ -232,14 +114,26 @@ X11Workspace::X11Workspace(NameOf nameOf)
 X11Workspace::~X11Workspace() = default;
 
 std::optional<FrontApplication> X11Workspace::frontApplication() {
-    auto window = display->ask<std::optional<ActiveWindow>>(findActiveWindow, longestWait)
+    auto window = display->ask<std::optional<FoundWindow>>(findActiveWindow, longestWait)
                       .value_or(std::nullopt);
     if (!window) return std::nullopt;
-    FrontApplication application = std::move(window->application);
-    application.localizedName =
-        nameOf(application.bundleIdentifier.value_or(""), window->windowClass);
-    if (!application.localizedName && !window->windowClass.empty())
-        application.localizedName = window->windowClass;
+    return named(std::move(window->application), window->windowClass);
+}
+
+std::vector<FrontApplication> X11Workspace::applications() {
+    auto windows = display->ask<std::vector<FoundWindow>>(findApplications, longestWait)
+                       .value_or(std::vector<FoundWindow>());
+    std::vector<FrontApplication> applications;
+    applications.reserve(windows.size());
+    for (FoundWindow& window : windows)
+        applications.push_back(named(std::move(window.application), window.windowClass));
+    return applications;
+}
+
+FrontApplication X11Workspace::named(FrontApplication application,
+                                     const std::string& windowClass) const {
+    application.localizedName = nameOf(application.bundleIdentifier.value_or(""), windowClass);
+    if (!application.localizedName && !windowClass.empty()) application.localizedName = windowClass;
     return application;
 }
 

@@ -24,9 +24,12 @@ public:
     X11Workspace& operator=(const X11Workspace&) = delete;
 
     std::optional<FrontApplication> frontApplication() override;
+    std::vector<FrontApplication> applications() override;
     std::vector<ScreenRect> screens() override;
 
 private:
+    FrontApplication named(FrontApplication application, const std::string& windowClass) const;
+
     NameOf nameOf;
     std::unique_ptr<DisplayThread> display;
 };
