@@ -1,6 +1,8 @@
 #include "Capture/CaptureError.h"
 #include "Capture/SelectionCapture.h"
 #include "Platform/Linux/AtSpi/AtSpiAccessibility.h"
+#include "Platform/Linux/Process/ProcProcesses.h"
+#include "Platform/Linux/X11/X11Pasteboard.h"
 #include "Platform/Support/Daemon.h"
 #include "Support/TemporaryDirectory.h"
 
@@ -72,6 +74,8 @@ public:
                                 .frame = {96, 80, 608, 424}};
     }
 
+    std::vector<FrontApplication> applications() override { return {}; }
+
     std::vector<ScreenRect> screens() override { return {{0, 0, 1280, 800}}; }
 
 private:
@@ -87,8 +91,8 @@ protected:
     /// Nothing for a `CaptureError`; anything else that is thrown fails the test.
     std::optional<CaptureResult> capture(const HostileApplication& from) {
         OneWindow workspace(from.id());
-        const SelectionCapture selection(
-            {accessibility, workspace, [] { return true; }, [](const std::string&) {}});
+        const SelectionCapture selection({accessibility, workspace, pasteboard, processes,
+                                          [] { return true; }, [](const std::string&) {}});
         const auto begin = Clock::now();
         std::optional<CaptureResult> result;
         try {
@@ -105,6 +109,8 @@ protected:
     }
 
     AtSpiAccessibility accessibility;
+    X11Pasteboard pasteboard;
+    ProcProcesses processes;
 };
 
 TEST_F(HostileCaptureTests, aSoundTextAndPageAreCaptured) {

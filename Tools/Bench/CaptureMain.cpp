@@ -1,6 +1,8 @@
 #include "Capture/CaptureError.h"
 #include "Capture/SelectionCapture.h"
 #include "Platform/Linux/AtSpi/AtSpiAccessibility.h"
+#include "Platform/Linux/Process/ProcProcesses.h"
+#include "Platform/Linux/X11/X11Pasteboard.h"
 #include "Platform/Linux/X11/X11Workspace.h"
 
 #include <CLI/CLI.hpp>
@@ -33,6 +35,8 @@ public:
     }
 
     std::optional<FrontApplication> frontApplication() override { return front; }
+
+    std::vector<FrontApplication> applications() override { return {front}; }
 
     std::vector<ScreenRect> screens() override { return {{0, 0, 1280, 800}}; }
 
@@ -122,8 +126,10 @@ int runCommandLine(int argc, char** argv) {
 
     const auto workspace = makeWorkspace(process);
     AtSpiAccessibility accessibility;
-    const SelectionCapture selection(
-        {accessibility, *workspace, [] { return true; }, [](const std::string&) {}});
+    X11Pasteboard pasteboard;
+    ProcProcesses processes;
+    const SelectionCapture selection({accessibility, *workspace, pasteboard, processes,
+                                      [] { return true; }, [](const std::string&) {}});
     Run run;
     if (!awaited.empty() && !awaitText(selection, awaited)) {
         std::cerr << "tavik-bench-capture: the text is not captured\n";

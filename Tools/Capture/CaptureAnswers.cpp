@@ -48,7 +48,8 @@ CaptureAnswers::CaptureAnswers()
     : workspace([this](const std::string& identifier, const std::string& windowClass) {
           return entries.name(identifier, windowClass);
       }),
-      capture({accessibility, workspace, [] { return true; }, [](const std::string&) {}}) {}
+      capture({accessibility, workspace, pasteboard, processes, [] { return true; },
+               [](const std::string&) {}}) {}
 
 std::string CaptureAnswers::next() {
     const auto start = std::chrono::steady_clock::now();

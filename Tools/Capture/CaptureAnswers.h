@@ -2,6 +2,8 @@
 
 #include "Capture/SelectionCapture.h"
 #include "Platform/Linux/AtSpi/AtSpiAccessibility.h"
+#include "Platform/Linux/Process/ProcProcesses.h"
+#include "Platform/Linux/X11/X11Pasteboard.h"
 #include "Platform/Linux/X11/X11Workspace.h"
 #include "Platform/Linux/Xdg/DesktopEntries.h"
 
@@ -22,6 +24,8 @@ private:
     AtSpiAccessibility accessibility;
     DesktopEntries entries;
     X11Workspace workspace;
+    X11Pasteboard pasteboard;
+    ProcProcesses processes;
     SelectionCapture capture;
 };
 

@@ -3,6 +3,7 @@
 #include "Capture/Attribute.h"
 #include "Capture/CaptureCandidate.h"
 #include "Capture/CaptureError.h"
+#include "Capture/ClipboardReader.h"
 #include "Capture/DocumentURL.h"
 #include "Capture/FocusedElement.h"
 #include "Capture/ScreenAnchor.h"
@@ -34,7 +35,9 @@
 //    programs do not always call focused. Its candidate is then the first. Below a page there
 //    is nothing to find: its text is that of the markers, and fields without the focus have none.
 // 8. The first candidate with a sentence wins, else the first at all.
-// 9. Where there is none, the last resort is left.
+// 9. Where there is none, the clipboard is left: in a terminal the desktop's own copy of the
+//    selection, elsewhere a copy made for the user and undone. Never with an application that has
+//    left a question unanswered, for it would act on the keys at some later time.
 //
 // A reader takes a call that fails for one that has no answer. As the session fails every call once
 // one has timed out or the time is up, a ladder that meets a dead program soon runs out of rungs.
@@ -61,7 +64,8 @@ private:
     ElementRef frontApplication();
     std::vector<CaptureCandidate> candidates();
     CaptureResult result(std::vector<CaptureCandidate> found) const;
-    [[noreturn]] void lastResort() const;
+    CaptureResult lastResort() const;
+    bool isSelectionKnown() const;
 
     const CapturePorts& ports;
     ScreenAnchor anchor;
@@ -79,17 +83,17 @@ Capture::Capture(const CapturePorts& ports)
 }
 
 CaptureResult Capture::run() {
-    if (session == nullptr) lastResort();
+    if (session == nullptr) return lastResort();
     const ElementRef application = frontApplication();
     if (front && front->processIdentifier != getpid())
         enableAccessibility(*session, application, source.bundleID, ports.onStartOptionNeeded);
     focused = focusedElement(*session, application);
-    if (focused == nullptr) lastResort();
+    if (focused == nullptr) return lastResort();
     focusedRole = attribute(focused, &AccessibleElement::role);
-    if (focusedRole == AccessibleRole::passwordField) lastResort();
+    if (focusedRole == AccessibleRole::passwordField) return lastResort();
     source.url = documentURL(focused);
     auto found = candidates();
-    if (found.empty()) lastResort();
+    if (found.empty()) return lastResort();
     return result(std::move(found));
 }
 
@@ -121,9 +125,25 @@ CaptureResult Capture::result(std::vector<CaptureCandidate> found) const {
     return {utf8FromUTF16(best.text), std::move(best.sentence), source, best.anchor, best.method};
 }
 
-/// Where no reader has found a text; knows all that the climb has learned.
-void Capture::lastResort() const {
+CaptureResult Capture::lastResort() const {
+    const bool isKnown = isSelectionKnown();
+    const bool hasTimedOut = session != nullptr && session->hasTimedOut();
+    if (front && !hasTimedOut) {
+        const auto way = clipboardWay(*front, focusedRole, ports.processes);
+        auto text = fromClipboard(*front, way, isKnown, ports.pasteboard);
+        if (text)
+            return {*std::move(text), std::nullopt, source, std::nullopt, CaptureMethod::clipboard};
+    }
     throw CaptureError(CaptureError::Kind::nothingSelected, source);
+}
+
+/// Whether the focused element has a selection, though nobody could read it.
+bool Capture::isSelectionKnown() const {
+    if (focusedRole == AccessibleRole::passwordField) return false;
+    const auto range = attribute(focused, &AccessibleElement::selectedTextRange);
+    if (range && range->length > 0) return true;
+    const auto markers = attribute(focused, &AccessibleElement::selectedTextMarkerRange);
+    return markers && markers->range.length > 0;
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "Capture/CaptureResult.h"
 #include "Ports/Accessibility.h"
+#include "Ports/Pasteboard.h"
+#include "Ports/Processes.h"
 #include "Ports/Workspace.h"
 
 #include <functional>
@@ -13,6 +15,8 @@ namespace tavik {
 struct CapturePorts {
     Accessibility& accessibility;
     Workspace& workspace;
+    Pasteboard& pasteboard;
+    Processes& processes;
     /// Whether other applications let their text be read. Any thread may ask; must not wait.
     std::function<bool()> isTrusted;
     /// Told that the application in front describes its pages only if it was started with an option
@@ -26,9 +30,9 @@ public:
     explicit SelectionCapture(CapturePorts ports);
 
     /// Reads text, sentence, place and source, within a second and a half where the window system
-    /// answers. Throws `CaptureError`
-    /// and nothing else. Waits for other programs: never for the main thread. Any other thread may
-    /// call, several at a time.
+    /// answers; where only the clipboard is left, in up to six, and then there is neither sentence
+    /// nor place. Throws `CaptureError` and nothing else. Waits for other programs: never for the
+    /// main thread. Any other thread may call, several at a time.
     CaptureResult capture() const;
 
 private:

@@ -65,7 +65,10 @@ AppEnvironment::AppEnvironment(const fs::path& dataDirectory, AppSettings& setti
 CapturePorts AppEnvironment::capturePorts() {
     const std::weak_ptr<AppEnvironment*> weak = self;
     MainQueue& queue = ports.mainQueue;
-    return {ports.accessibility, ports.workspace,
+    return {ports.accessibility,
+            ports.workspace,
+            ports.pasteboard,
+            ports.processes,
             [isTrusted = isTrusted] { return isTrusted->load(); },
             [weak, &queue](const std::string& bundleID) {
                 queue.post([weak, bundleID] {

@@ -13,6 +13,8 @@
 #include "Ports/AccessibilityTrust.h"
 #include "Ports/MainQueue.h"
 #include "Ports/Notifier.h"
+#include "Ports/Pasteboard.h"
+#include "Ports/Processes.h"
 #include "Ports/SpeechSynthesizer.h"
 #include "Ports/Workspace.h"
 #include "Settings/AppSettings.h"
@@ -36,6 +38,8 @@ struct EnvironmentPorts {
     Accessibility& accessibility;
     AccessibilityTrust& accessibilityTrust;
     Workspace& workspace;
+    Pasteboard& pasteboard;
+    Processes& processes;
     std::function<Date()> now = currentDate;
     std::filesystem::path captureLog = CaptureLog::standardPath(environmentVariable);
 };

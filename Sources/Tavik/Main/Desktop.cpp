@@ -7,8 +7,10 @@
 #include "Platform/Linux/DBus/DesktopNotifier.h"
 #include "Platform/Linux/DBus/LogindWakeSignal.h"
 #include "Platform/Linux/DBus/StatusNotifierHost.h"
+#include "Platform/Linux/Process/ProcProcesses.h"
 #include "Platform/Linux/Secrets/SecretServiceKeychain.h"
 #include "Platform/Linux/Speech/SpeechDispatcher.h"
+#include "Platform/Linux/X11/X11Pasteboard.h"
 #include "Platform/Linux/X11/X11Workspace.h"
 #include "Platform/Linux/X11/XEmbedTrayHost.h"
 #include "Platform/Linux/Xdg/DesktopEntries.h"
@@ -43,7 +45,8 @@ Desktop::Desktop(bool isDiagnostic)
     : sessionBus(BusConnection::open(busThread, sessionBusAddress())),
       accessibilityTrust(std::make_unique<AccessibilityBus>(sessionBus, mainQueue)),
       accessibility(std::make_unique<AtSpiAccessibility>()),
-      workspace(std::make_unique<X11Workspace>(namesOfPrograms())) {
+      workspace(std::make_unique<X11Workspace>(namesOfPrograms())),
+      pasteboard(std::make_unique<X11Pasteboard>()), processes(std::make_unique<ProcProcesses>()) {
     if (isDiagnostic)
         fillInForDiagnosis();
     else
@@ -78,11 +81,11 @@ ShellPorts Desktop::shellPorts(SingleInstance& singleInstance) {
     std::vector<const TrayHost*> hosts;
     for (const auto& host : trayHosts)
         hosts.push_back(host.get());
-    return {
-        {mainQueue, *speechSynthesizer, *notifier, *accessibility, *accessibilityTrust, *workspace},
-        hosts,
-        *wakeSignal,
-        singleInstance};
+    return {{mainQueue, *speechSynthesizer, *notifier, *accessibility, *accessibilityTrust,
+             *workspace, *pasteboard, *processes},
+            hosts,
+            *wakeSignal,
+            singleInstance};
 }
 
 } // namespace tavik

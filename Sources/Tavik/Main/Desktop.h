@@ -7,7 +7,9 @@
 #include "Ports/AccessibilityTrust.h"
 #include "Ports/Keychain.h"
 #include "Ports/Notifier.h"
+#include "Ports/Pasteboard.h"
 #include "Ports/PreferenceStore.h"
+#include "Ports/Processes.h"
 #include "Ports/SingleInstance.h"
 #include "Ports/SpeechSynthesizer.h"
 #include "Ports/WakeSignal.h"
@@ -47,6 +49,8 @@ private:
     std::unique_ptr<AccessibilityTrust> accessibilityTrust;
     std::unique_ptr<Accessibility> accessibility;
     std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<Pasteboard> pasteboard;
+    std::unique_ptr<Processes> processes;
     std::unique_ptr<PreferenceStore> preferenceStore;
     std::unique_ptr<Keychain> secrets;
     std::unique_ptr<SpeechSynthesizer> speechSynthesizer;

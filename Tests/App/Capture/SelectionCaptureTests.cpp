@@ -1,4 +1,5 @@
 #include "App/Support/FakeAccessibility.h"
+#include "App/Support/FakePasteboard.h"
 #include "Capture/CaptureError.h"
 #include "Capture/DocumentURL.h"
 #include "Capture/ScreenAnchor.h"
@@ -34,7 +35,8 @@ protected:
     }
 
     CaptureResult capture() {
-        return SelectionCapture({tree, workspace, [this] { return isTrusted; },
+        return SelectionCapture({tree, workspace, pasteboard, processes,
+                                 [this] { return isTrusted; },
                                  [this](const std::string& bundleID) { told.push_back(bundleID); }})
             .capture();
     }
@@ -65,6 +67,8 @@ protected:
 
     test::FakeAccessibility tree;
     test::FakeWorkspace workspace;
+    test::FakePasteboard pasteboard;
+    test::FakeProcesses processes;
     FakeElement& desktop = tree.make("desktop");
     FakeElement& application = tree.make("app");
     FakeElement& focus = tree.make("focus");
@@ -380,6 +384,8 @@ TEST(ScreenAnchor, turnsRectanglesOverAndRefusesNonsense) {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double largest = std::numeric_limits<double>::max();
     test::FakeWorkspace workspace;
+    test::FakePasteboard pasteboard;
+    test::FakeProcesses processes;
     ScreenAnchor anchor(workspace);
     EXPECT_EQ(anchor.from(std::nullopt), std::nullopt);
     EXPECT_EQ(anchor.from(ScreenRect{5, 5, 5, 0}), std::nullopt);

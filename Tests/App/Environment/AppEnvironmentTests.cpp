@@ -1,4 +1,5 @@
 #include "App/Support/FakeAccessibility.h"
+#include "App/Support/FakePasteboard.h"
 #include "App/Support/Fakes.h"
 #include "Capture/CaptureError.h"
 #include "Environment/AppEnvironment.h"
@@ -25,10 +26,10 @@ using testing::HasSubstr;
 class AppEnvironmentTest : public testing::Test {
 protected:
     AppEnvironment& make(const std::optional<fs::path>& dictionary = std::nullopt) {
-        return environment.emplace(data, settings, dictionary,
-                                   EnvironmentPorts{queue, speech, notifier, accessibility, trust,
-                                                    workspace, [this] { return now; },
-                                                    directory.file("capture.log")});
+        return environment.emplace(
+            data, settings, dictionary,
+            EnvironmentPorts{queue, speech, notifier, accessibility, trust, workspace, pasteboard,
+                             processes, [this] { return now; }, directory.file("capture.log")});
     }
 
     test::TemporaryDirectory directory;
@@ -40,6 +41,8 @@ protected:
     test::FakeAccessibility accessibility;
     test::FakeAccessibilityTrust trust;
     test::FakeWorkspace workspace;
+    test::FakePasteboard pasteboard;
+    test::FakeProcesses processes;
     MemoryPreferenceStore preferences;
     test::FakeKeychain keychain;
     AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};

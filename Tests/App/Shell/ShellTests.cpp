@@ -1,4 +1,5 @@
 #include "App/Support/FakeAccessibility.h"
+#include "App/Support/FakePasteboard.h"
 #include "App/Support/Fakes.h"
 #include "Platform/Null/MemoryPreferenceStore.h"
 #include "Shell/AppDelegate.h"
@@ -73,6 +74,8 @@ protected:
     test::RecordingNotifier notifier;
     test::FakeAccessibility accessibility;
     test::FakeWorkspace workspace;
+    test::FakePasteboard pasteboard;
+    test::FakeProcesses processes;
     MemoryPreferenceStore preferences;
     test::FakeKeychain keychain;
     test::FakeTrayHost tray;
@@ -81,8 +84,8 @@ protected:
     test::FakeSingleInstance instance;
     AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};
     AppDelegate delegate{settings,
-                         {{queue, speech, notifier, accessibility, trust, workspace,
-                           [this] { return now; }, directory.file("capture.log")},
+                         {{queue, speech, notifier, accessibility, trust, workspace, pasteboard,
+                           processes, [this] { return now; }, directory.file("capture.log")},
                           {&tray},
                           wakeSignal,
                           instance}};
