@@ -41,6 +41,22 @@ protected:
         });
     }
 
+    bool isSwitchOn() {
+        return apart([&] {
+            return bus.tell("org.a11y.Bus", "/org/a11y/bus", "org.freedesktop.DBus.Properties.Get",
+                            {"org.a11y.Status", "IsEnabled"})
+                       .find("true")
+                   != std::string::npos;
+        });
+    }
+
+    /// Until it is answered.
+    void restore() {
+        const auto isDone = std::make_shared<bool>(false);
+        trust->restore([isDone] { *isDone = true; });
+        EXPECT_TRUE(runUntil([isDone] { return *isDone; }));
+    }
+
     /// A bus whose switch is on and whose address is the one that is given.
     test::PrivateBus::Program startMock(const std::string& address) {
         return apart([&] {
@@ -82,6 +98,39 @@ TEST_F(AccessibilityBusTests, enablingTurnsTheSwitchOn) {
     EXPECT_EQ(stateAfter(State::unknown), State::notTrusted);
     trust->enable();
     EXPECT_EQ(stateAfter(State::notTrusted), State::trusted);
+}
+
+TEST_F(AccessibilityBusTests, onlyWhatWasOffBeforeIsSwitchedOffAgain) {
+    const auto launcher = startLauncher();
+    make();
+    stateAfter(State::unknown);
+    trust->enable();
+    restore();
+    EXPECT_TRUE(isSwitchOn()) << "it was on before";
+    turnSwitch(false);
+    stateAfter(State::trusted);
+    trust->enable();
+    restore();
+    EXPECT_FALSE(isSwitchOn()) << "also where nobody knows yet that it was switched on";
+    trust->enable();
+    stateAfter(State::notTrusted);
+    restore();
+    EXPECT_FALSE(isSwitchOn());
+}
+
+TEST_F(AccessibilityBusTests, whatSomebodyElseSwitchedMeanwhileStays) {
+    const auto launcher = startLauncher();
+    turnSwitch(false);
+    make();
+    stateAfter(State::unknown);
+    trust->enable();
+    stateAfter(State::notTrusted);
+    turnSwitch(false);
+    stateAfter(State::trusted);
+    turnSwitch(true);
+    stateAfter(State::notTrusted);
+    restore();
+    EXPECT_TRUE(isSwitchOn());
 }
 
 TEST_F(AccessibilityBusTests, aBusThatComesLateAndGoesIsFollowed) {

@@ -2,6 +2,8 @@
 
 #include "Base/Published.h"
 
+#include <functional>
+
 namespace tavik {
 
 /// Whether other applications let their text be read.
@@ -21,6 +23,11 @@ public:
 
     /// Switches accessibility on for this session; `state` tells later whether that worked.
     virtual void enable() = 0;
+
+    /// Takes back what `enable` changed, if it is still so: never switches off what was on before.
+    /// `done` is called on the main thread when that has been answered, or never where nobody
+    /// answers.
+    virtual void restore(std::function<void()> done) = 0;
 };
 
 } // namespace tavik

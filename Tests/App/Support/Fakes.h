@@ -122,6 +122,8 @@ public:
 
     void enable() override { ++timesEnabled; }
 
+    void restore(std::function<void()> done) override { done(); }
+
     Published<State> current{State::unknown};
     int timesEnabled = 0;
 };

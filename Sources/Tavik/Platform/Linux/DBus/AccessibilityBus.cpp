@@ -20,6 +20,11 @@ constexpr BusConnection::CallOptions asking(const char* answerType) {
     return {.answerType = answerType, .activation = BusActivation::allowed};
 }
 
+std::optional<bool> boolean(GVariant* value) {
+    if (!value || !g_variant_is_of_type(value, G_VARIANT_TYPE_BOOLEAN)) return std::nullopt;
+    return g_variant_get_boolean(value) == TRUE;
+}
+
 } // namespace
 
 /// Asks on the bus thread.
@@ -40,6 +45,13 @@ public:
     void enable() {
         session->whenReady([weak = weak_from_this()](bool) {
             if (const auto self = weak.lock()) self->switchOn();
+        });
+    }
+
+    /// `done` may be called on the bus thread, or not at all.
+    void restore(std::function<void()> done) {
+        session->whenReady([weak = weak_from_this(), done = std::move(done)](bool) {
+            if (const auto self = weak.lock()) self->switchBack(done);
         });
     }
 
@@ -64,12 +76,45 @@ private:
         });
     }
 
+    /// Whether it was on before must be known, to leave it so in the end.
     void switchOn() {
+        isSwitching = true;
+        session->readProperty(status, "IsEnabled", asking("(v)"),
+                              [weak = weak_from_this()](const VariantHandle& value) {
+                                  const auto self = weak.lock();
+                                  if (self) self->switchOnAfter(boolean(value.get()));
+                              });
+    }
+
+    void switchOnAfter(std::optional<bool> before) {
+        if (before == true) return finishSwitching(isSwitchedOnByUs);
+        set(true, [weak = weak_from_this(), before](bool isSet) {
+            if (const auto self = weak.lock()) self->finishSwitching(isSet && before == false);
+        });
+    }
+
+    void finishSwitching(bool isOurDoing) {
+        isSwitching = false;
+        isSwitchedOnByUs = isOurDoing;
+        ask();
+        if (const auto done = std::exchange(awaitingSwitch, {})) switchBack(done);
+    }
+
+    void switchBack(const std::function<void()>& done) {
+        if (isSwitching) {
+            awaitingSwitch = done;
+            return;
+        }
+        if (!std::exchange(isSwitchedOnByUs, false)) return done();
+        set(false, [done](bool) { done(); });
+    }
+
+    void set(bool isOn, std::function<void(bool isSet)> done) {
         session->call(statusProperties, "Set",
                       ownedVariant(g_variant_new("(ssv)", status.interface.c_str(), "IsEnabled",
-                                                 g_variant_new_boolean(TRUE))),
-                      asking("()"), [weak = weak_from_this()](const VariantHandle&) {
-                          if (const auto self = weak.lock()) self->ask();
+                                                 g_variant_new_boolean(isOn ? TRUE : FALSE))),
+                      asking("()"), [done = std::move(done)](const VariantHandle& answer) {
+                          done(answer != nullptr);
                       });
     }
 
@@ -98,8 +143,9 @@ private:
     }
 
     void takeSwitch(GVariant* value) {
-        evidence->isEnabled = value && g_variant_is_of_type(value, G_VARIANT_TYPE_BOOLEAN)
-                              && g_variant_get_boolean(value);
+        evidence->isEnabled = boolean(value).value_or(false);
+        // Whoever switched it off meanwhile may switch it on again for himself.
+        if (!*evidence->isEnabled) isSwitchedOnByUs = false;
         judge();
     }
 
@@ -142,6 +188,10 @@ private:
     Report report;
     State last = State::unknown;
     bool hasAsked = false;
+    bool isSwitching = false;
+    bool isSwitchedOnByUs = false;
+    /// Who wants the switch back as soon as it has been switched.
+    std::function<void()> awaitingSwitch;
     std::shared_ptr<Evidence> evidence;
     SourceHandle deadline;
     BusSubscription switchChanges;
@@ -149,7 +199,7 @@ private:
 };
 
 AccessibilityBus::AccessibilityBus(const std::shared_ptr<BusConnection>& session, MainQueue& queue)
-    : current(std::make_shared<Published<State>>(State::unknown)) {
+    : queue(queue), current(std::make_shared<Published<State>>(State::unknown)) {
     auto report = [&queue, weak = std::weak_ptr(current)](State state) {
         queue.post([weak, state] {
             if (const auto published = weak.lock()) published->set(state);
@@ -169,6 +219,10 @@ const Published<State>& AccessibilityBus::state() const {
 
 void AccessibilityBus::enable() {
     inquiry->enable();
+}
+
+void AccessibilityBus::restore(std::function<void()> done) {
+    inquiry->restore([&queue = queue, done = std::move(done)] { queue.post(done); });
 }
 
 } // namespace tavik

@@ -22,10 +22,12 @@ public:
 
     const Published<State>& state() const override;
     void enable() override;
+    void restore(std::function<void()> done) override;
 
 private:
     class Inquiry;
 
+    MainQueue& queue;
     std::shared_ptr<Published<State>> current;
     std::shared_ptr<Inquiry> inquiry;
 };
