@@ -20,12 +20,6 @@ constexpr std::array<std::string_view, 12> chromiumPrefixes{
 
 constexpr WalkLimits webAreaSearch{40, 300, 4000};
 
-bool isOfChromiumFamily(const std::string& bundleID) {
-    const std::string identifier = lowercased(bundleID);
-    return std::ranges::any_of(
-        chromiumPrefixes, [&](std::string_view prefix) { return identifier.starts_with(prefix); });
-}
-
 ElementRef firstWebArea(const ElementRef& window) {
     ElementRef webArea;
     walkBelow(window, webAreaSearch, [&](const ElementRef& visited) {
@@ -38,6 +32,12 @@ ElementRef firstWebArea(const ElementRef& window) {
 }
 
 } // namespace
+
+bool isOfChromiumFamily(const std::string& bundleID) {
+    const std::string identifier = lowercased(bundleID);
+    return std::ranges::any_of(
+        chromiumPrefixes, [&](std::string_view prefix) { return identifier.starts_with(prefix); });
+}
 
 void enableAccessibility(const AccessibilitySession& session, const ElementRef& application,
                          const std::optional<std::string>& bundleID,

@@ -8,6 +8,8 @@
 #include "Platform/Linux/X11/DisplayCheck.h"
 #include "Settings/AppSettings.h"
 #include "Shell/AppDelegate.h"
+#include "Shell/CaptureProbeReport.h"
+#include "Shell/CaptureProbeRun.h"
 #include "UI/Widgets/Fonts.h"
 
 #include <QApplication>
@@ -27,7 +29,14 @@
 namespace tavik {
 namespace {
 
-enum ExitCode { exitOK = 0, exitNoDisplay = 1, exitNoBook = 2, exitNotThere = 3, exitNoAnswer = 4 };
+enum ExitCode {
+    exitOK = 0,
+    exitNoDisplay = 1,
+    exitNoBook = 2,
+    exitNotThere = 3,
+    exitNoAnswer = 4,
+    exitStopped = 130
+};
 
 constexpr std::string_view helpText =
     "Tavik：划词翻译、生词本、记忆曲线复习、视频例句\n"
@@ -37,12 +46,15 @@ constexpr std::string_view helpText =
     "启动后在系统托盘里运行；已经在运行时，再次启动会打开它的窗口。\n"
     "\n"
     "选项：\n"
+    "  --capture-probe [--json]\n"
+    "              检查正在运行的每个程序：怎样读到其中选中的文字，读不到又该怎么办。\n"
+    "              不切换窗口，不按键，不动剪贴板，也不显示选中的文字\n"
     "  --version   显示版本\n"
     "  -h, --help  显示本说明\n"
     "\n"
     "环境变量 TAVIK_DATA_DIR 指定放生词本的目录。\n"
     "退出码：0 正常；1 没有图形界面；2 打不开生词本；3 这一版没有所要的功能；\n"
-    "4 已经在运行的 Tavik 没有回应。\n";
+    "4 已经在运行的 Tavik 没有回应；130 检查中途被叫停。\n";
 
 bool hasWayland() {
     const std::filesystem::path folder = environmentVariable("XDG_RUNTIME_DIR").value_or("");
@@ -106,11 +118,11 @@ void describe(QApplication& application) {
         });
 }
 
-/// The diagnostic runs, as far as this version has them.
-int runDiagnostics(RunMode mode) {
-    std::cerr << (mode == RunMode::snapshot ? "这一版还没有 --snapshot。\n"
-                                            : "这一版还没有 --capture-probe。\n");
-    return exitNotThere;
+int printCaptureProbe(const EnvironmentPorts& ports, bool isJSON) {
+    const auto report = runCaptureProbe(ports);
+    if (!report) return exitStopped;
+    std::cout << (isJSON ? probeJSON(*report) : probeTable(*report)) << std::flush;
+    return exitOK;
 }
 
 /// Whether this process is the one for its data. One that ends just now, and may take a while for
@@ -137,18 +149,24 @@ int giveWay(Claim claim) {
     return exitNoAnswer;
 }
 
-int runApplication(RunMode mode) {
+/// `isJSON` is for the modes that print a report.
+int runApplication(RunMode mode, bool isJSON) {
     const auto dataDirectory = AppEnvironment::defaultDataDirectory(environmentVariable);
     SocketInstance instance(dataDirectory);
     if (!isDiagnostic(mode))
         if (const Claim answer = claim(instance); answer != Claim::granted) return giveWay(answer);
     Desktop desktop(isDiagnostic(mode));
+    if (mode == RunMode::captureProbe)
+        return printCaptureProbe(desktop.shellPorts(instance).environment, isJSON);
     AppSettings settings(desktop.preferences(), desktop.keychain(),
                          AppSettings::standardKeychainAccount);
     AppDelegate delegate(settings, desktop.shellPorts(instance));
     if (!delegate.openEnvironment(dataDirectory, AppEnvironment::defaultDictionaryPath()))
         return exitNoBook;
-    if (isDiagnostic(mode)) return runDiagnostics(mode);
+    if (mode == RunMode::snapshot) {
+        std::cerr << "这一版还没有 --snapshot。\n";
+        return exitNotThere;
+    }
     delegate.finishLaunching();
     const int exitCode = QApplication::exec();
     // Nobody is there any more to be shown, though the end may wait for the key chain.
@@ -166,6 +184,7 @@ int start(int argumentCount, char** arguments) {
     keepFilesPrivate();
     const std::span all(arguments, static_cast<std::size_t>(argumentCount));
     const RunMode mode = runMode({all.begin() + 1, all.end()});
+    const bool isJSON = all.size() > 2 && std::string_view(all[2]) == "--json";
     if (mode == RunMode::help || mode == RunMode::version) {
         std::cout << (mode == RunMode::help ? helpText : "tavik " TAVIK_VERSION "\n");
         return exitOK;
@@ -179,7 +198,7 @@ int start(int argumentCount, char** arguments) {
     platform.restore();
     describe(application);
     const QuitSignals signals(quit);
-    return runApplication(mode);
+    return runApplication(mode, isJSON);
 }
 
 } // namespace

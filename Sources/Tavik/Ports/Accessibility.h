@@ -28,7 +28,7 @@ public:
 };
 
 /// What an element is, as far as readers must know.
-enum class AccessibleRole { other, application, window, webArea, terminal, passwordField };
+enum class AccessibleRole { other, application, window, menu, webArea, terminal, passwordField };
 
 class AccessibleElement;
 /// Two references to the same thing on screen need not be equal.

@@ -98,6 +98,10 @@ std::optional<AccessibleRole> AtSpiElement::role() {
         return parent && parent->role() == atspi::roleApplication ? AccessibleRole::window
                                                                   : AccessibleRole::other;
     }
+    case atspi::roleMenu:
+    case atspi::roleMenuBar:
+    case atspi::rolePopupMenu:
+        return AccessibleRole::menu;
     case atspi::roleDocumentWeb:
         return AccessibleRole::webArea;
     case atspi::roleTerminal:
