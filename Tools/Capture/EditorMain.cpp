@@ -4,7 +4,8 @@
 // Reads lines from standard input and answers each with one. "FIELD OCCURRENCE TEXT" scrolls that
 // text into view and answers with its rectangle on the screen, "X Y WIDTH HEIGHT"; "clear" takes
 // back all selections; "capture" answers as tavik-capture does, but from within, while the window
-// goes on. The fields are rich, plain, line and password.
+// goes on. The fields are rich, plain, line, password and label, of which accessibility tells no
+// selection.
 
 #include "CaptureAnswers.h"
 
@@ -12,6 +13,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSocketNotifier>
@@ -80,12 +82,31 @@ public:
     }
 };
 
+/// A text of one line that can be selected.
+class Label : public QLabel {
+public:
+    explicit Label(const QString& text) : QLabel(text) {
+        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        setMargin(0);
+        setIndent(0);
+    }
+
+    QRect reveal(const QString& part, int occurrence) {
+        setFocus();
+        const int place = placeOf(part, occurrence, text());
+        const int left = fontMetrics().horizontalAdvance(text().left(place));
+        return {mapToGlobal(QPoint(left, 0)),
+                QSize(fontMetrics().horizontalAdvance(part), height())};
+    }
+};
+
 class Window : public QWidget {
 public:
     Window(const QString& richPath, const QString& plainPath) {
         setWindowTitle("tavik-trial-editor");
         for (QWidget* widget : {static_cast<QWidget*>(&rich), static_cast<QWidget*>(&plain),
-                                static_cast<QWidget*>(&line), static_cast<QWidget*>(&password)})
+                                static_cast<QWidget*>(&line), static_cast<QWidget*>(&password),
+                                static_cast<QWidget*>(&label)})
             column.addWidget(widget);
         rich.setHtml(contents(richPath));
         plain.setPlainText(contents(plainPath));
@@ -114,6 +135,7 @@ private:
         if (field == "plain") box = reveal(plain, part, occurrence);
         if (field == "line") box = line.reveal(part, occurrence);
         if (field == "password") box = password.reveal(part, occurrence);
+        if (field == "label") box = label.reveal(part, occurrence);
         return QString("%1 %2 %3 %4")
             .arg(box.x())
             .arg(box.y())
@@ -127,6 +149,7 @@ private:
         takeBackSelection(plain);
         line.deselect();
         password.deselect();
+        label.setSelection(0, 0);
         return "done";
     }
 
@@ -135,6 +158,7 @@ private:
     QPlainTextEdit plain;
     Field line;
     Field password;
+    Label label{"A label has some selectable text."};
     CaptureAnswers captures;
     std::jthread reader;
 };

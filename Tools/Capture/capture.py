@@ -20,6 +20,7 @@ class Answer:
         self.sentence: Optional[str] = fields.get("sentence")
         self.error: Optional[str] = fields.get("error")
         self.url: Optional[str] = fields.get("url")
+        self.method: Optional[str] = fields.get("method")
         self.ms: float = fields.get("ms", 0)
         anchor = fields.get("anchor")
         self.box = anchor and Box(anchor["x"], anchor["y"], anchor["x"] + anchor["width"],

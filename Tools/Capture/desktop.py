@@ -216,6 +216,17 @@ def forget_selection() -> None:
                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
+def put_on_clipboard(text: str) -> None:
+    subprocess.run(["xclip", "-selection", "clipboard", "-in"], input=text, text=True, check=True,
+                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    # It returns before the server knows.
+    wait_for(lambda: clipboard() == text, "剪贴板没有放上")
+
+
+def clipboard() -> str:
+    return output_of("xclip", "-selection", "clipboard", "-out")
+
+
 def selected() -> str:
     """PRIMARY, which programs set when the user selects."""
     return output_of("xclip", "-selection", "primary", "-out")

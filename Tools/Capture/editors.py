@@ -13,7 +13,7 @@ import desktop
 from capture import Answer, CaptureProgram
 from desktop import Box, Late, Screen, select_by_mouse
 from process import Process
-from runner import PAGES, Case, Target
+from runner import PAGES, Case, Target, without_sentences
 
 LONG_LINE = 100_000
 
@@ -188,11 +188,44 @@ FIELD_CASES = [
 ]
 
 
+class TkEditor(Editor):
+    """The text of Tk, a toolkit that knows nothing of accessibility."""
+
+    name = "Tk"
+    program = "wish"
+    advice = "请安装软件包 tk"
+    window = "editor"
+    is_described = False
+
+    def __init__(self, folder: str, screen: Screen, programs: str):
+        super().__init__(folder, screen, programs)
+        # It takes its time for the last line, which is long.
+        self.text = "\n".join(self.text.split("\n")[:-1])
+        with open(self.path, "w", encoding="utf-8") as file:
+            file.write(self.text)
+
+    def command(self) -> list[str]:
+        return [self.program, os.path.join(PAGES, "editor.tcl"), self.path]
+
+    def cases(self) -> list[Case]:
+        lines_without_emoji = (0, 1, 2, 6, 8)
+        return without_sentences([case for case in PLAIN_CASES
+                                  if case.place.line in lines_without_emoji])
+
+
+LABEL_CASES = [
+    Case("标签", "selectable", None, Spot(field="label", how="double")),
+    Case("标签里拖选", "some selectable text", None, Spot(field="label", how="drag"), is_word=False),
+    Case("标签里什么也没选", None, None, Spot(field="label", how="none"), is_word=False),
+]
+
+
 class QtEditor(Target):
     """Its fields tell where their words are."""
 
     name = "Qt"
     advice = "请先编译 ci 预设"
+    prefix: list[str] = []
 
     def __init__(self, folder: str, screen: Screen, programs: str):
         super().__init__(folder, screen, programs)
@@ -200,7 +233,8 @@ class QtEditor(Target):
 
     def start(self) -> None:
         self.process = Process(
-            [self.program, os.path.join(PAGES, "editor.html"), plain_text(self.folder)],
+            [*self.prefix, self.program, os.path.join(PAGES, "editor.html"),
+             plain_text(self.folder)],
             self.folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
         desktop.wait_for_window("tavik-trial-editor")
 
@@ -246,3 +280,17 @@ class QtEditor(Target):
             desktop.keys(*desktop.times("shift+Right", len(case.text)))
         else:
             select_by_mouse(box, how)
+
+
+class QtWithoutBus(QtEditor):
+    """Without a session bus, it finds nobody to describe itself to."""
+
+    name = "没有辅助功能的 Qt"
+    prefix = ["env", "DBUS_SESSION_BUS_ADDRESS=disabled:"]
+    is_described = False
+    names = {"跨行内元素", "粗体", "什么也没选", "跨两段", "多个表情符号之后", "输入框", "密码框"}
+
+    def cases(self) -> list[Case]:
+        described = [case for case in RICH_CASES + PLAIN_CASES + FIELD_CASES
+                     if case.name in self.names and not case.place.is_read_from_within]
+        return LABEL_CASES + without_sentences(described)

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import os
 import subprocess
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 from typing import Callable, Optional
 
 import desktop
@@ -52,6 +52,16 @@ class Outcome:
         return self.offset is not None and self.offset <= ALLOWED_OFFSET
 
 
+def without_sentences(cases: list[Case]) -> list[Case]:
+    """As the clipboard has them."""
+    return [replace(case, sentence=None) for case in cases]
+
+
+def on_clipboard(case: Case) -> str:
+    """What lies there before a capture, and afterwards again."""
+    return f"剪贴板上原有的文字，{case.name}"
+
+
 class Target:
     """An application whose text is selected."""
 
@@ -59,6 +69,9 @@ class Target:
     program = ""
     advice = ""
     """What to do where the program is missing."""
+    is_described = True
+    """Whether accessibility tells what is selected. Else it comes from the clipboard, with nothing
+    around it."""
 
     def __init__(self, folder: str, screen: Screen, _programs: str):
         """`folder` is for whatever the application keeps; the last one is where Tavik's programs are."""
@@ -131,6 +144,11 @@ def compare(target: Target, case: Case, answer: Answer, outcome: Outcome) -> Non
     found = answer.text if answer.error is None else answer.error
     expected = "nothingSelected" if case.text is None else case.text
     outcome.text = check(found == expected, "文字", found, expected)
+    if not target.is_described:
+        way = None if case.text is None else "clipboard"
+        outcome.text &= check(answer.method == way, "途径", answer.method, way)
+        expected = on_clipboard(case)
+        outcome.text &= check(desktop.clipboard() == expected, "剪贴板", desktop.clipboard(), expected)
     if case.text is not None:
         outcome.sentence = check(answer.sentence == case.sentence, "句子", answer.sentence,
                                  case.sentence)
@@ -142,7 +160,8 @@ def compare(target: Target, case: Case, answer: Answer, outcome: Outcome) -> Non
 
 def compare_places(target: Target, case: Case, painted: Optional[Box], answer: Answer,
                    outcome: Outcome) -> None:
-    if painted is not None and (answer.box is not None or target.tells_place(case)):
+    tells_place = target.is_described and target.tells_place(case)
+    if painted is not None and (answer.box is not None or tells_place):
         outcome.needs_offset = True
         outcome.offset = None if answer.box is None else painted.offset(answer.box)
         if not outcome.rectangle:
@@ -169,6 +188,8 @@ def run_case(target: Target, screen: Screen, program: CaptureProgram, case: Case
             painted = found if case.has_one_box else None
         else:
             screen.settled()
+        if not target.is_described:
+            desktop.put_on_clipboard(on_clipboard(case))
         answer = target.capture(program, case)
         outcome.ms = answer.ms
         compare(target, case, answer, outcome)

@@ -8,7 +8,7 @@ from dataclasses import dataclass
 import desktop
 from desktop import Box, select_by_mouse, wait_for
 from process import Process
-from runner import Case, Target
+from runner import Case, Target, without_sentences
 
 
 @dataclass(frozen=True)
@@ -63,14 +63,19 @@ class Terminal(Target):
     program = "xfce4-terminal"
     advice = "请安装软件包 xfce4-terminal"
 
+    def command(self, script: str) -> list[str]:
+        return ["xfce4-terminal", "--disable-server", "--geometry=100x30+20+20",
+                f"--command=sh {script}"]
+
     def start(self) -> None:
         path = os.path.join(self.folder, "terminal.txt")
         with open(path, "w", encoding="utf-8", newline="") as file:
             file.write(TEXT)
-        self.process = Process(
-            ["xfce4-terminal", "--disable-server", "--geometry=100x30+20+20",
-             f"--command=sh -c 'cat {path}; exec sleep 1000'"], self.folder)
-        desktop.wait_for_window("xfce4-terminal")
+        script = os.path.join(self.folder, "terminal.sh")
+        with open(script, "w", encoding="utf-8") as file:
+            file.write(f"cat {path}\nexec sleep 1000\n")
+        self.process = Process(self.command(script), self.folder)
+        desktop.wait_for_window(self.program)
         self.box(CASES[-1])
 
     def cases(self) -> list[Case]:
@@ -85,3 +90,27 @@ class Terminal(Target):
     def select(self, case: Case) -> None:
         if case.text is not None:
             select_by_mouse(self.box(case), case.place.how)
+
+
+class XTerm(Terminal):
+    """It describes nothing of itself. What its user has selected is PRIMARY."""
+
+    name = "XTerm"
+    program = "xterm"
+    advice = "请安装软件包 xterm"
+    is_described = False
+
+    def command(self, script: str) -> list[str]:
+        return ["xterm", "-u8", "-fa", "DejaVu Sans Mono", "-fs", "10", "-geometry", "100x30+20+20",
+                "-xrm", "*directColor: true", "-e", "sh", script]
+
+    def cases(self) -> list[Case]:
+        return without_sentences(CASES)
+
+    def select(self, case: Case) -> None:
+        if case.text is None or case.place.how == "double":
+            super().select(case)
+        else:
+            # The letter under the pointer does not belong to it any more.
+            box = self.box(case)
+            desktop.drag(box.start, (box.right + 2, box.middle[1]))

@@ -5,14 +5,14 @@ from __future__ import annotations
 import json
 import math
 import os
-from typing import Callable
+from typing import Callable, Optional
 
 import desktop
 from capture import Answer
 from desktop import Late, Screen, wait_for
 from page_server import PageServer
 from process import Process
-from runner import ALLOWED_OFFSET, Case, Target
+from runner import ALLOWED_OFFSET, Case, Target, without_sentences
 from web_cases import CASES, READY, Spot
 
 READY_SECONDS = 10
@@ -46,7 +46,7 @@ class Browser(Target):
     def cases(self) -> list[Case]:
         return CASES
 
-    def address(self, case: Case) -> str:
+    def address(self, case: Case) -> Optional[str]:
         spot: Spot = case.place
         return self.server.address("frame.html" if spot.frame else spot.page)
 
@@ -178,11 +178,17 @@ class Firefox(Browser):
                 "--height", "720", address]
 
 
+# Of these cases, where there is only a text to be read.
+PLAIN_NAMES = {"文首", "跨行内元素", "链接", "什么也没选", "跨两段", "多个表情符号之后", "中文", "输入框",
+               "多行输入框", "密码框", "框架", "可编辑区"}
+
+
 class Chromium(Browser):
     name = "Chromium"
     program = "chromium"
     advice = "请安装软件包 chromium"
     window = "chromium"
+    options = ["--force-renderer-accessibility"]
 
     def tells_place(self, case: Case) -> bool:
         return not case.place.frame
@@ -190,7 +196,24 @@ class Chromium(Browser):
     def command(self, address: str) -> list[str]:
         # The test type hides the bar that warns of the missing sandbox.
         return ["chromium", "--no-sandbox", "--test-type", "--no-first-run", "--disable-gpu",
-                "--force-renderer-accessibility", "--password-store=basic", "--disable-sync",
+                *self.options, "--password-store=basic", "--disable-sync",
                 "--disable-background-networking", "--disable-component-update",
                 f"--user-data-dir={os.path.join(self.folder, 'chromium')}",
                 "--window-size=1200,720", "--window-position=20,20", address]
+
+
+class PlainChromium(Chromium):
+    """As it is mostly started: it describes nothing of its pages."""
+
+    name = "不开辅助功能的 Chromium"
+    options: list[str] = []
+    is_described = False
+
+    def cases(self) -> list[Case]:
+        return without_sentences([case for case in CASES if case.name in PLAIN_NAMES])
+
+    def address(self, case: Case) -> Optional[str]:
+        return None
+
+    def get_ready(self) -> None:
+        """There are no bounds to wait for."""
