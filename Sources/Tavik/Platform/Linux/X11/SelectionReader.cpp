@@ -14,11 +14,21 @@ namespace {
 constexpr std::size_t maxTargets = 1000;
 /// Of all that a selection offers. A screenshot in several formats is well below.
 constexpr std::size_t maxBytes = std::size_t{256} << 20U;
+/// Before it has come.
+constexpr std::size_t maxReserved = std::size_t{64} << 20U;
 /// Nobody looks up more.
 constexpr std::size_t maxTextBytes = std::size_t{4} << 20U;
 /// Of late answers.
 constexpr int maxLateParts = 5000;
 constexpr std::size_t maxAbandoned = 16;
+
+/// How much comes in parts, at least; 0 when the owner does not tell.
+std::size_t sizeAnnounced(const SelectionData& start) {
+    std::uint32_t size = 0;
+    if (start.format == 32 && start.bytes.size() >= sizeof(size))
+        std::memcpy(&size, start.bytes.data(), sizeof(size));
+    return size;
+}
 
 std::string textOf(const SelectionData& data) {
     const QByteArray bytes(
@@ -144,7 +154,9 @@ SelectionReader::Answer SelectionReader::receive(const Request& request,
     if (!take(data, request.maxBytes, isThere)) return Answer::none;
     if (!isThere) return Answer::refused;
     if (data.type != window.atoms()[SelectionAtoms::incremental]) return Answer::data;
+    const std::size_t announced = sizeAnnounced(data);
     data = {};
+    data.bytes.reserve(std::min({announced, request.maxBytes, maxReserved}));
     return receiveParts(request, data) ? Answer::data : Answer::none;
 }
 
