@@ -23,12 +23,10 @@ std::int64_t localProcessOf(xcb_connection_t* connection, xcb_window_t window) {
     const XCBReply<xcb_res_query_client_ids_reply_t> reply(
         xcb_res_query_client_ids_reply(connection, request, nullptr));
     if (!reply) return 0;
-    auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
-    for (; ids.rem > 0; xcb_res_client_id_value_next(&ids))
-        if ((ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0
-            && xcb_res_client_id_value_value_length(ids.data) > 0)
-            return *xcb_res_client_id_value_value(ids.data);
-    return 0;
+    // Of one client one number was asked for.
+    const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
+    if (ids.rem == 0 || xcb_res_client_id_value_value_length(ids.data) < 1) return 0;
+    return *xcb_res_client_id_value_value(ids.data);
 }
 
 bool areOfOneProgram(xcb_connection_t* connection, xcb_window_t one, xcb_window_t other) {
