@@ -82,8 +82,11 @@ std::optional<X11Clipboard::Loan>
 X11Clipboard::lend(const OpenDisplay& display, xcb_window_t application, Clock::time_point until) {
     const Session& here = session(display);
     if (here.firstEvent == 0 || !canPressKeys(display.connection)) return std::nullopt;
-    // The last key of the user was the hot key. What the application of the last loan puts there
-    // late is still taken back, so that it is not saved for the user's own.
+    // The last key of the user was the hot key, of which an answer of the server makes sure that we
+    // know by now. What the application of the last loan puts there late is still taken back, so
+    // that it is not saved for the user's own.
+    static_cast<void>(ownerOfClipboard());
+    drain();
     current->activity.forgiveLastKey();
     while (Clock::now() < until) {
         const xcb_window_t owning = ownerOfClipboard();
