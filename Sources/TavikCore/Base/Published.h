@@ -49,14 +49,19 @@ public:
     }
 
     Subscription observe(Observer observer) const {
+        forgetEnded();
         auto kept = std::make_shared<Observer>(std::move(observer));
         observers.push_back(kept);
         return Subscription(std::move(kept));
     }
 
 private:
-    void announce(const T& value) const {
+    void forgetEnded() const {
         std::erase_if(observers, [](const auto& observer) { return observer.expired(); });
+    }
+
+    void announce(const T& value) const {
+        forgetEnded();
         const auto observersNow = observers;
         for (const auto& weak : observersNow)
             if (const auto observer = weak.lock()) (*observer)(value);
