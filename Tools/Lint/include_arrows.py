@@ -39,7 +39,9 @@ UI/Browser    -> Environment UI/Widgets HotKey UI/Review
 UI/*          -> Environment UI/Widgets
 Shell         -> UI/* Environment HotKey
 Platform/Linux/AtSpi -> Ports Platform/Linux/DBus
-Platform/Linux/DBus -> Ports
+Platform/Linux/DBus -> Ports Platform/Linux/Keys
+Platform/Linux/X11 -> Ports Platform/Linux/Keys
+Platform/Linux/Keys ->
 Platform/*    -> Ports
 Main          -> *
 

@@ -11,10 +11,10 @@ std::optional<ScreenRect> ScreenAnchor::from(const std::optional<ScreenRect>& re
     if (!screens) screens = attribute(workspace, &Workspace::screens);
     if (screens->empty()) return std::nullopt;
     const ScreenRect& primary = screens->front();
-    const double y = (primary.y + primary.height) - (rect->y + rect->height);
-    for (const double value : {rect->x, y, rect->width, rect->height})
+    const ScreenRect anchor = turnedOver(*rect, primary.y + primary.height);
+    for (const double value : {anchor.x, anchor.y, anchor.width, anchor.height})
         if (!std::isfinite(value)) return std::nullopt;
-    return ScreenRect{rect->x, y, rect->width, rect->height};
+    return anchor;
 }
 
 } // namespace tavik
