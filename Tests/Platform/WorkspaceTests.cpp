@@ -1,6 +1,7 @@
 #include "Platform/Linux/X11/X11Workspace.h"
 #include "Platform/Linux/Xdg/DesktopEntries.h"
 #include "Platform/Support/Daemon.h"
+#include "Platform/Support/NestedServer.h"
 #include "Support/ChildProcess.h"
 #include "Support/TemporaryDirectory.h"
 
@@ -22,6 +23,7 @@ namespace tavik {
 namespace {
 
 using namespace std::chrono_literals;
+using test::NestedServer;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -29,33 +31,6 @@ using testing::SizeIs;
 using Clock = std::chrono::steady_clock;
 /// Beyond the second that the port grants.
 constexpr auto latest = 1400ms;
-
-/// An X server that $DISPLAY names until the object goes.
-class NestedServer {
-public:
-    explicit NestedServer(const std::string& options = "") : usual(qgetenv("DISPLAY")) {
-        const std::string command = "exec Xvfb -displayfd 1 -nolisten tcp -noreset " + options;
-        server.emplace(std::vector<std::string>{"/bin/sh", "-c", command + " 2>/dev/null"},
-                       folder.file("display"));
-        std::string number = test::awaitText("\n", folder.file("display"));
-        number.pop_back();
-        qputenv("DISPLAY", (":" + number).c_str());
-    }
-
-    ~NestedServer() { qputenv("DISPLAY", usual); }
-
-    NestedServer(const NestedServer&) = delete;
-    NestedServer& operator=(const NestedServer&) = delete;
-
-    void signal(int number) const { server->signal(number); }
-
-    void end() { server.reset(); }
-
-private:
-    test::TemporaryDirectory folder;
-    QByteArray usual;
-    std::optional<test::BackgroundProgram> server;
-};
 
 /// A program with windows that carry what the test wants, and its own window manager.
 class Client {

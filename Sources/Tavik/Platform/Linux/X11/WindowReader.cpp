@@ -23,7 +23,26 @@ WindowReader::WindowReader(const OpenDisplay& display)
     : display(display), atoms(atomsOf(display.connection, atomNames, false)) {}
 
 xcb_window_t WindowReader::active() const {
-    return firstNumber(display.root, activeWindow, XCB_ATOM_WINDOW).value_or(XCB_NONE);
+    const auto told = firstNumber(display.root, activeWindow, XCB_ATOM_WINDOW);
+    return told && *told != XCB_NONE ? *told : focusedClient();
+}
+
+xcb_window_t WindowReader::focusedClient() const {
+    const auto known = numbersOf(display.root, clients, XCB_ATOM_WINDOW, longestList);
+    const auto request = xcb_get_input_focus(display.connection);
+    const XCBReply<xcb_get_input_focus_reply_t> focus(
+        xcb_get_input_focus_reply(display.connection, request, nullptr));
+    xcb_window_t window = focus ? focus->focus : XCB_NONE;
+    // The keyboard may be with a part of a window.
+    constexpr int deepest = 16;
+    for (int depth = 0; depth < deepest && window > XCB_INPUT_FOCUS_POINTER_ROOT; ++depth) {
+        if (std::ranges::find(known, window) != known.end()) return window;
+        const auto question = xcb_query_tree(display.connection, window);
+        const XCBReply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(display.connection, question, nullptr));
+        window = tree ? tree->parent : XCB_NONE;
+    }
+    return XCB_NONE;
 }
 
 std::vector<xcb_window_t> WindowReader::uppermost(std::size_t limit) const {

@@ -20,7 +20,8 @@ class WindowReader {
 public:
     explicit WindowReader(const OpenDisplay& display);
 
-    /// The window that has the keyboard.
+    /// The window that has the keyboard. A manager names none while the keyboard comes back from a
+    /// window that it does not know; then it is the one with the focus, if it is a manager's.
     xcb_window_t active() const;
 
     /// The uppermost windows that a window manager has, at most `limit`, the uppermost one first.
@@ -59,6 +60,8 @@ private:
         compoundText,
         atomCount
     };
+
+    xcb_window_t focusedClient() const;
 
     static constexpr std::array<std::string_view, atomCount> atomNames{
         "_NET_ACTIVE_WINDOW",

@@ -1,9 +1,8 @@
 #include "Platform/Linux/X11/X11Workspace.h"
 
 #include "Platform/Linux/X11/DisplayThread.h"
+#include "Platform/Linux/X11/Monitors.h"
 #include "Platform/Linux/X11/WindowReader.h"
-
-#include <xcb/randr.h>
 
 #include <QString>
 #include <set>
@@ -69,41 +68,8 @@ std::vector<FoundWindow> findApplications(const OpenDisplay& display) {
     return found;
 }
 
-bool hasRandR(xcb_connection_t* connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_randr_id);
-    return extension != nullptr && extension->present != 0;
-}
-
-/// Of servers that do not know of monitors, none.
-std::vector<ScreenRect> monitorsOf(const OpenDisplay& display) {
-    if (!hasRandR(display.connection)) return {};
-    const auto request = xcb_randr_get_monitors(display.connection, display.root, 1);
-    const XCBReply<xcb_randr_get_monitors_reply_t> reply(
-        xcb_randr_get_monitors_reply(display.connection, request, nullptr));
-    if (!reply) return {};
-    std::vector<ScreenRect> found;
-    auto monitors = xcb_randr_get_monitors_monitors_iterator(reply.get());
-    for (; monitors.rem > 0; xcb_randr_monitor_info_next(&monitors)) {
-        const xcb_randr_monitor_info_t& monitor = *monitors.data;
-        const ScreenRect place{static_cast<double>(monitor.x), static_cast<double>(monitor.y),
-                               static_cast<double>(monitor.width),
-                               static_cast<double>(monitor.height)};
-        if (monitor.width == 0 || monitor.height == 0) continue;
-        found.insert(monitor.primary != 0 ? found.begin() : found.end(), place);
-    }
-    return found;
-}
-
 std::vector<ScreenRect> findScreens(const OpenDisplay& display) {
-    auto screens = monitorsOf(display);
-    if (!screens.empty()) return screens;
-    const auto request = xcb_get_geometry(display.connection, display.root);
-    const XCBReply<xcb_get_geometry_reply_t> whole(
-        xcb_get_geometry_reply(display.connection, request, nullptr));
-    if (whole)
-        screens.push_back(
-            {0, 0, static_cast<double>(whole->width), static_cast<double>(whole->height)});
-    return screens;
+    return monitorsOf(display.connection, display.root);
 }
 
 } // namespace
