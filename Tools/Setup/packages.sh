@@ -20,11 +20,11 @@
     )
     test_packages=(libgtest-dev libgmock-dev clang-format clang-tidy shellcheck git)
     desktop_test_packages=(
-        xvfb openbox x11-utils x11-xserver-utils xdotool dbus libglib2.0-bin at-spi2-core
-        gnome-keyring libsecret-tools dunst xfce4-notifyd libnotify-bin trayer tint2
+        xvfb openbox x11-utils x11-xkb-utils x11-xserver-utils xdotool dbus libglib2.0-bin
+        at-spi2-core gnome-keyring libsecret-tools dunst xfce4-notifyd libnotify-bin trayer tint2
         speech-dispatcher speech-dispatcher-espeak-ng speech-dispatcher-audio-plugins
         pulseaudio pulseaudio-utils
-        xfwm4 metacity systemd
+        xfwm4 metacity systemd xdg-desktop-portal
         xclip mousepad featherpad firefox-esr chromium xfce4-terminal evince fonts-dejavu-core
         xterm tk xfce4-clipman parcellite
         python3-gi python3-dbus python3-dbusmock

@@ -106,9 +106,14 @@ void XClient::releaseKey(const std::string& name) const {
     fake(XCB_KEY_RELEASE, keyCode(name));
 }
 
-void XClient::clickButton() const {
-    fake(XCB_BUTTON_PRESS, 1);
-    fake(XCB_BUTTON_RELEASE, 1);
+void XClient::clickButton(std::uint8_t button) const {
+    fake(XCB_BUTTON_PRESS, button);
+    fake(XCB_BUTTON_RELEASE, button);
+}
+
+void XClient::movePointer(std::int16_t x, std::int16_t y) const {
+    xcb_test_fake_input(connection(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, root(), x, y, 0);
+    sync();
 }
 
 std::string XClient::keyName(xcb_keycode_t code) const {

@@ -41,7 +41,8 @@ public:
     /// Presses and releases keys as the user would: "Control_L", "Alt_L", or a letter.
     void pressKey(const std::string& name) const;
     void releaseKey(const std::string& name) const;
-    void clickButton() const;
+    void clickButton(std::uint8_t button = 1) const;
+    void movePointer(std::int16_t x, std::int16_t y) const;
 
     /// The name of the key with that code; a number where it is no key of `pressKey`.
     std::string keyName(xcb_keycode_t code) const;

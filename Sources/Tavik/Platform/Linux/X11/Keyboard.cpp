@@ -63,13 +63,35 @@ std::vector<xcb_keycode_t> Keyboard::controlKeys() const {
     return keysOf(XCB_MAP_INDEX_CONTROL);
 }
 
+std::vector<xcb_keycode_t> Keyboard::keysMeaning(xcb_keysym_t meaning) const {
+    std::vector<xcb_keycode_t> keys;
+    for (unsigned key = firstKey; key <= lastKey; ++key)
+        if (keysym(static_cast<xcb_keycode_t>(key), 0) == meaning)
+            keys.push_back(static_cast<xcb_keycode_t>(key));
+    return keys;
+}
+
+std::uint16_t Keyboard::modifierOf(std::initializer_list<xcb_keysym_t> meanings) const {
+    for (unsigned modifier = XCB_MAP_INDEX_SHIFT; modifier <= XCB_MAP_INDEX_5; ++modifier)
+        for (const xcb_keycode_t key : keysAndLocksOf(modifier))
+            if (std::ranges::find(meanings, keysym(key, 0)) != meanings.end())
+                return static_cast<std::uint16_t>(1U << modifier);
+    return 0;
+}
+
 std::vector<xcb_keycode_t> Keyboard::keysOf(unsigned modifier) const {
+    auto keys = keysAndLocksOf(modifier);
+    std::erase_if(keys, [this](xcb_keycode_t key) { return isLock(keysym(key, 0)); });
+    return keys;
+}
+
+std::vector<xcb_keycode_t> Keyboard::keysAndLocksOf(unsigned modifier) const {
     if (!modifierTable) return {};
     const std::size_t width = modifierTable->keycodes_per_modifier;
     const xcb_keycode_t* first =
         xcb_get_modifier_mapping_keycodes(modifierTable.get()) + modifier * width;
     std::vector<xcb_keycode_t> keys(first, first + width);
-    std::erase_if(keys, [this](xcb_keycode_t key) { return key == 0 || isLock(keysym(key, 0)); });
+    std::erase(keys, 0);
     return keys;
 }
 

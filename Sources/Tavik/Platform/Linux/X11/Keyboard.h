@@ -2,6 +2,7 @@
 
 #include "Platform/Linux/X11/XCBHandles.h"
 
+#include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <vector>
@@ -17,6 +18,10 @@ public:
     /// fourth layout, of which the server's table does not tell.
     std::optional<xcb_keycode_t> keyOfC() const;
     std::vector<xcb_keycode_t> controlKeys() const;
+    /// The keys that mean this in the first layout, without Shift.
+    std::vector<xcb_keycode_t> keysMeaning(xcb_keysym_t meaning) const;
+    /// The bit of the first modifier that a key with one of these meanings makes; 0 when none does.
+    std::uint16_t modifierOf(std::initializer_list<xcb_keysym_t> meanings) const;
 
     /// Whether it changes what other keys do, while it is held.
     bool isModifier(xcb_keycode_t key) const;
@@ -38,6 +43,7 @@ public:
 private:
     xcb_keysym_t keysym(xcb_keycode_t key, unsigned column) const;
     std::vector<xcb_keycode_t> keysOf(unsigned modifier) const;
+    std::vector<xcb_keycode_t> keysAndLocksOf(unsigned modifier) const;
     bool isOf(xcb_keycode_t key, std::initializer_list<unsigned> modifiers) const;
 
     XCBReply<xcb_query_keymap_reply_t> keymap;
