@@ -144,6 +144,11 @@ void BusConnection::whenReady(ReadyHandler handler) {
     });
 }
 
+std::string BusConnection::uniqueName() const {
+    const char* name = connection ? g_dbus_connection_get_unique_name(connection.get()) : nullptr;
+    return name ? name : "";
+}
+
 void BusConnection::call(const BusObject& object, const char* method, VariantHandle arguments,
                          const CallOptions& options, AnswerHandler handler) {
     if (!connection) {

@@ -88,6 +88,9 @@ public:
     /// Calls the handler once it is known whether there is a bus. Any thread may call.
     void whenReady(ReadyHandler handler);
 
+    /// Our own name on the bus; empty without one.
+    std::string uniqueName() const;
+
     struct CallOptions {
         /// The signature of the reply's values; any other reply counts as none.
         const char* answerType = "()";
