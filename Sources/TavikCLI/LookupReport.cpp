@@ -15,17 +15,6 @@ namespace {
 constexpr std::size_t maxSentenceCharacters = 400;
 constexpr std::size_t maxDefinitions = 5;
 
-std::vector<std::string> knownForms(const LookupResult& lookup) {
-    std::vector<std::string> forms{lookup.selection};
-    const std::string normal = TextUtil::normalizeWord(lookup.selection);
-    forms.push_back(normal);
-    if (!lookup.entry) return forms;
-    forms.push_back(lookup.entry->word);
-    for (const Inflection& inflection : inflections(*lookup.entry))
-        forms.push_back(inflection.form);
-    return forms;
-}
-
 std::string headline(const Report& report, const DictEntry& entry) {
     std::string line = report.inStyle(TextStyle::bold, entry.word);
     if (!entry.phonetic.empty())
@@ -96,7 +85,7 @@ void addContext(Report& report, const SentenceContext& context) {
 std::optional<SentenceContext> sentenceContext(const LookupResult& lookup, std::string_view text) {
     const std::string_view given = trimmed(text, isWhiteSpace);
     if (given.empty()) return std::nullopt;
-    const auto forms = knownForms(lookup);
+    const auto forms = lookup.forms();
     const auto found = TextUtil::highlight(given, forms);
     if (!found) return SentenceContext{std::string(given), std::nullopt};
     const auto location = static_cast<std::int64_t>(utf16FromUTF8(found->before).size());

@@ -57,7 +57,8 @@ AppEnvironment::AppEnvironment(const fs::path& dataDirectory, AppSettings& setti
           [isTrusted = isTrusted](AccessibilityTrust::State state) {
               *isTrusted = isTrust(state);
           })),
-      selectionCapture(capturePorts()), log(this->ports.captureLog, this->ports.now) {
+      selectionCapture(capturePorts()), log(this->ports.captureLog, this->ports.now),
+      backgroundTasks(this->ports.mainQueue) {
     watchStore();
     refreshCounts();
 }
@@ -106,9 +107,13 @@ void AppEnvironment::refreshCounts() {
 
 void AppEnvironment::noteFailure(const SQLiteDB::Error& error) {
     const Date now = ports.now();
-    const std::string what = bookFailure(bookPath, error);
+    const std::string what = failureText(error);
     trouble.set(BookTrouble{now, what});
     if (alarm.raise(now)) ports.notifier.notify("Tavik 无法读写生词本", what);
+}
+
+std::string AppEnvironment::failureText(const SQLiteDB::Error& error) const {
+    return bookFailure(bookPath, error);
 }
 
 void AppEnvironment::tellOfStartOption(const std::string& bundleID) {

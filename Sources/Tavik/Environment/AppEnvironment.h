@@ -6,11 +6,13 @@
 #include "Capture/CaptureLog.h"
 #include "Capture/SelectionCapture.h"
 #include "Dictionary/OfflineDictionary.h"
+#include "Environment/BackgroundTasks.h"
 #include "Environment/BookAlarm.h"
 #include "Environment/Speech.h"
 #include "Lookup/LookupService.h"
 #include "Ports/Accessibility.h"
 #include "Ports/AccessibilityTrust.h"
+#include "Ports/Appearance.h"
 #include "Ports/MainQueue.h"
 #include "Ports/Notifier.h"
 #include "Ports/Pasteboard.h"
@@ -40,6 +42,7 @@ struct EnvironmentPorts {
     Workspace& workspace;
     Pasteboard& pasteboard;
     Processes& processes;
+    Appearance& appearance;
     std::function<Date()> now = currentDate;
     std::filesystem::path captureLog = CaptureLog::standardPath(environmentVariable);
 };
@@ -83,6 +86,18 @@ public:
 
     const CaptureLog& captureLog() const { return log; }
 
+    BackgroundTasks& tasks() { return backgroundTasks; }
+
+    /// May be used on other threads by tasks of this environment.
+    const HTTPSession& httpSession() const { return session; }
+
+    const Published<bool>& prefersDark() const { return ports.appearance.prefersDark(); }
+
+    Date now() const { return ports.now(); }
+
+    /// Why the book could not be read or written: a Chinese sentence that says what to do.
+    std::string failureText(const SQLiteDB::Error& error) const;
+
     /// Words due and words saved, at the last refresh.
     const Published<std::int64_t>& dueNow() const { return due; }
 
@@ -123,6 +138,9 @@ private:
     Subscription trustChanges;
     SelectionCapture selectionCapture;
     CaptureLog log;
+    HTTPSession session;
+    /// The last, as its tasks use the others.
+    BackgroundTasks backgroundTasks;
 };
 
 } // namespace tavik

@@ -1,6 +1,7 @@
 #include "Lookup/LookupService.h"
 
 #include "Base/Fatal.h"
+#include "Dictionary/DictionaryLabels.h"
 #include "Explanation/LLMError.h"
 #include "Text/CharacterClasses.h"
 #include "Text/TextUtil.h"
@@ -56,6 +57,15 @@ std::string sha256(std::string_view data) {
 
 std::string LookupResult::headword() const {
     return entry ? entry->word : lemma;
+}
+
+std::vector<std::string> LookupResult::forms() const {
+    std::vector<std::string> forms{selection, TextUtil::normalizeWord(selection)};
+    if (!entry) return forms;
+    forms.push_back(entry->word);
+    for (const Inflection& inflection : inflections(*entry))
+        forms.push_back(inflection.form);
+    return forms;
 }
 
 LookupService::LookupService(const OfflineDictionary* dictionary, VocabularyStore& store)

@@ -33,6 +33,9 @@ struct LookupResult {
     /// The title of the word: the entry's spelling, else the lemma.
     std::string headword() const;
 
+    /// As which the word may stand in a sentence.
+    std::vector<std::string> forms() const;
+
     bool operator==(const LookupResult&) const = default;
 };
 

@@ -1,13 +1,7 @@
-#include "App/Support/FakeAccessibility.h"
-#include "App/Support/FakePasteboard.h"
-#include "App/Support/Fakes.h"
+#include "App/Support/FakeDesktop.h"
 #include "Capture/CaptureError.h"
-#include "Environment/AppEnvironment.h"
-#include "Platform/Null/MemoryPreferenceStore.h"
 #include "Storage/SQLiteDB.h"
-#include "Support/Book.h"
 #include "Support/SampleDictionary.h"
-#include "Support/TemporaryDirectory.h"
 #include "Vocabulary/EmptiedBook.h"
 
 #include <gmock/gmock.h>
@@ -23,29 +17,13 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-class AppEnvironmentTest : public testing::Test {
+class AppEnvironmentTest : public testing::Test, protected test::FakeDesktop {
 protected:
     AppEnvironment& make(const std::optional<fs::path>& dictionary = std::nullopt) {
-        return environment.emplace(
-            data, settings, dictionary,
-            EnvironmentPorts{queue, speech, notifier, accessibility, trust, workspace, pasteboard,
-                             processes, [this] { return now; }, directory.file("capture.log")});
+        return environment.emplace(data, settings, dictionary, environmentPorts());
     }
 
-    test::TemporaryDirectory directory;
     fs::path data = directory.file("new/data");
-    Date now = test::day(1);
-    test::ManualMainQueue queue;
-    test::RecordingSpeech speech;
-    test::RecordingNotifier notifier;
-    test::FakeAccessibility accessibility;
-    test::FakeAccessibilityTrust trust;
-    test::FakeWorkspace workspace;
-    test::FakePasteboard pasteboard;
-    test::FakeProcesses processes;
-    MemoryPreferenceStore preferences;
-    test::FakeKeychain keychain;
-    AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};
     std::optional<AppEnvironment> environment;
 };
 

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "Ports/AccessibilityTrust.h"
+#include "Ports/Appearance.h"
 #include "Ports/Keychain.h"
 #include "Ports/MainQueue.h"
+#include "Ports/Mouse.h"
 #include "Ports/Notifier.h"
 #include "Ports/SingleInstance.h"
 #include "Ports/SpeechSynthesizer.h"
 #include "Ports/TrayHost.h"
 #include "Ports/WakeSignal.h"
+#include "Ports/WindowSystem.h"
 
 #include <functional>
 #include <map>
@@ -126,6 +129,53 @@ public:
 
     Published<State> current{State::unknown};
     int timesEnabled = 0;
+};
+
+class FakeAppearance final : public Appearance {
+public:
+    const Published<bool>& prefersDark() const override { return dark; }
+
+    Published<bool> dark{false};
+};
+
+/// Keeps what a popup asked of its window.
+class FakeWindowSystem final : public WindowSystem {
+public:
+    std::vector<Screen> screens() override { return shown; }
+
+    ScreenPoint pointer() override { return mouse; }
+
+    bool hasCompositor() override { return isTranslucent; }
+
+    void limitClicks(std::uint32_t /*window*/, const ScreenRect& part) override { clicks = part; }
+
+    void takeKeyboard(std::uint32_t /*window*/) override { calls.emplace_back("take"); }
+
+    void returnKeyboard(std::uint32_t /*window*/) override { calls.emplace_back("return"); }
+
+    std::vector<Screen> shown{{{0, 0, 1280, 800}, {0, 24, 1280, 776}, 1}};
+    ScreenPoint mouse{640, 400};
+    bool isTranslucent = true;
+    ScreenRect clicks;
+    std::vector<std::string> calls;
+};
+
+class FakeMouse final : public Mouse {
+public:
+    Subscription observePresses(PressHandler handler) override {
+        auto kept = std::make_shared<PressHandler>(std::move(handler));
+        observer = kept;
+        return Subscription(std::move(kept));
+    }
+
+    bool isObserved() const { return !observer.expired(); }
+
+    void press(ScreenPoint where) const {
+        if (const auto present = observer.lock()) (*present)(where);
+    }
+
+private:
+    std::weak_ptr<PressHandler> observer;
 };
 
 class FakeSingleInstance final : public SingleInstance {
