@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QIcon>
 #include <QPixmap>
 
@@ -11,5 +12,9 @@ QPixmap iconPixmap(const char* name, int size);
 
 /// The drawing called `name` in the sizes that panels and windows ask for.
 QIcon icon(const char* name);
+
+/// The drawing called `name` in one colour, `size` units square, for a screen of `scale` device
+/// pixels to the unit.
+QPixmap tintedPixmap(const char* name, int size, const QColor& color, double scale);
 
 } // namespace tavik
