@@ -71,9 +71,13 @@ protected:
                == 0;
     }
 
+    static void press(const std::string& keys) {
+        test::runProcess({"/usr/bin/xdotool", "key", keys});
+    }
+
     static void pressEscape() {
         std::this_thread::sleep_for(300ms);
-        test::runProcess({"/usr/bin/xdotool", "key", "Escape"});
+        press("Escape");
     }
 
     test::TemporaryDirectory directory;
@@ -125,6 +129,32 @@ TEST_F(ProgramTests, aKilledProgramStandsInNobodysWayAndAStoppedOneIsNotWaitedFo
     EXPECT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
     pressEscape();
     EXPECT_EQ(refused.exitCodeWithin(5s), 4);
+}
+
+TEST_F(ProgramTests, theHotKeyShowsTheWordEnterSavesItAndTheKeyboardComesBack) {
+    fs::create_directories(settings + "/Tavik");
+    std::ofstream(settings + "/Tavik/preferences.json") << R"({"onboardingDone": true})";
+    const std::string keys = directory.file("keys");
+    const BackgroundProgram target({TAVIK_COPY_TARGET, "text=ephemeral"}, keys);
+    test::awaitText("ready", keys);
+    BackgroundProgram program(command());
+    ASSERT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    const auto isPopupShown = [] { return isWindowShown("^Tavik 查词$"); };
+    std::this_thread::sleep_for(500ms);
+    press("alt+d");
+    ASSERT_TRUE(soon(isPopupShown));
+    const std::string before = test::readFile(keys);
+    press("Return");
+    const VocabularyStore book(data + "/tavik.sqlite");
+    EXPECT_TRUE(soon([&] { return book.wordIDForLemma("ephemeral").has_value(); }));
+    press("Escape");
+    EXPECT_TRUE(soon([&] { return !isPopupShown(); }));
+    press("Shift_L");
+    const auto since = [&] { return test::readFile(keys).substr(before.size()); };
+    EXPECT_TRUE(soon([&] { return since().find("press Shift_L") != std::string::npos; }));
+    EXPECT_EQ(since().find("press"), since().find("press Shift_L")) << "a key for the popup";
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.exitCodeWithin(5s), 0);
 }
 
 TEST_F(ProgramTests, aHungWatcherBesideATrayHoldsNothingUp) {

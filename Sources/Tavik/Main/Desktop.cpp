@@ -6,21 +6,31 @@
 #include "Platform/Linux/DBus/AccessibilityBus.h"
 #include "Platform/Linux/DBus/DesktopNotifier.h"
 #include "Platform/Linux/DBus/LogindWakeSignal.h"
+#include "Platform/Linux/DBus/PortalAppearance.h"
+#include "Platform/Linux/DBus/PortalHotKey.h"
 #include "Platform/Linux/DBus/StatusNotifierHost.h"
 #include "Platform/Linux/Process/ProcProcesses.h"
 #include "Platform/Linux/Secrets/SecretServiceKeychain.h"
 #include "Platform/Linux/Speech/SpeechDispatcher.h"
+#include "Platform/Linux/X11/X11HotKey.h"
+#include "Platform/Linux/X11/X11Mouse.h"
 #include "Platform/Linux/X11/X11Pasteboard.h"
+#include "Platform/Linux/X11/X11WindowSystem.h"
 #include "Platform/Linux/X11/X11Workspace.h"
 #include "Platform/Linux/X11/XEmbedTrayHost.h"
 #include "Platform/Linux/Xdg/DesktopEntries.h"
 #include "Platform/Linux/Xdg/JSONPreferenceStore.h"
 #include "Platform/Null/MemoryPreferenceStore.h"
+#include "Platform/Null/NullAppearance.h"
+#include "Platform/Null/NullHotKeyRegistrar.h"
 #include "Platform/Null/NullKeychain.h"
+#include "Platform/Null/NullMouse.h"
 #include "Platform/Null/NullNotifier.h"
 #include "Platform/Null/NullSpeechSynthesizer.h"
 #include "Platform/Null/NullWakeSignal.h"
+#include "Platform/Qt/QtWindowSystem.h"
 
+#include <QGuiApplication>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -37,6 +47,16 @@ X11Workspace::NameOf namesOfPrograms() {
     return [entries](const std::string& identifier, const std::string& windowClass) {
         return entries->name(identifier, windowClass);
     };
+}
+
+/// In a Wayland session an X server is there for old programs only, and hears of no other's keys.
+bool isWaylandSession() {
+    return environmentVariable("WAYLAND_DISPLAY").has_value()
+           || environmentVariable("XDG_SESSION_TYPE") == "wayland";
+}
+
+bool isOnX11() {
+    return QGuiApplication::platformName() == u"xcb";
 }
 
 } // namespace
@@ -62,6 +82,22 @@ void Desktop::fillIn() {
     wakeSignal = std::make_unique<LogindWakeSignal>(systemBus, mainQueue);
     trayHosts.push_back(std::make_unique<StatusNotifierHost>(sessionBus, mainQueue));
     trayHosts.push_back(std::make_unique<XEmbedTrayHost>());
+    appearance = std::make_unique<PortalAppearance>(sessionBus, mainQueue);
+    fillInKeysAndMouse();
+}
+
+void Desktop::fillInKeysAndMouse() {
+    if (isWaylandSession())
+        hotKeyRegistrar = std::make_unique<PortalHotKey>(busThread, sessionBusAddress(), mainQueue);
+    else
+        hotKeyRegistrar = std::make_unique<X11HotKey>(mainQueue);
+    if (isOnX11()) {
+        windowSystem = std::make_unique<X11WindowSystem>();
+        mouse = std::make_unique<X11Mouse>(mainQueue);
+    } else {
+        windowSystem = std::make_unique<QtWindowSystem>();
+        mouse = std::make_unique<NullMouse>();
+    }
 }
 
 void Desktop::fillInForDiagnosis() {
@@ -70,6 +106,10 @@ void Desktop::fillInForDiagnosis() {
     speechSynthesizer = std::make_unique<NullSpeechSynthesizer>();
     notifier = std::make_unique<NullNotifier>();
     wakeSignal = std::make_unique<NullWakeSignal>();
+    appearance = std::make_unique<NullAppearance>();
+    hotKeyRegistrar = std::make_unique<NullHotKeyRegistrar>();
+    windowSystem = std::make_unique<QtWindowSystem>();
+    mouse = std::make_unique<NullMouse>();
 }
 
 Desktop::~Desktop() {
@@ -82,10 +122,13 @@ ShellPorts Desktop::shellPorts(SingleInstance& singleInstance) {
     for (const auto& host : trayHosts)
         hosts.push_back(host.get());
     return {{mainQueue, *speechSynthesizer, *notifier, *accessibility, *accessibilityTrust,
-             *workspace, *pasteboard, *processes},
+             *workspace, *pasteboard, *processes, *appearance},
             hosts,
             *wakeSignal,
-            singleInstance};
+            singleInstance,
+            *hotKeyRegistrar,
+            *windowSystem,
+            *mouse};
 }
 
 } // namespace tavik

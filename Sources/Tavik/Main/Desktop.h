@@ -5,7 +5,10 @@
 #include "Platform/Qt/QtMainQueue.h"
 #include "Ports/Accessibility.h"
 #include "Ports/AccessibilityTrust.h"
+#include "Ports/Appearance.h"
+#include "Ports/HotKeyRegistrar.h"
 #include "Ports/Keychain.h"
+#include "Ports/Mouse.h"
 #include "Ports/Notifier.h"
 #include "Ports/Pasteboard.h"
 #include "Ports/PreferenceStore.h"
@@ -13,6 +16,7 @@
 #include "Ports/SingleInstance.h"
 #include "Ports/SpeechSynthesizer.h"
 #include "Ports/WakeSignal.h"
+#include "Ports/WindowSystem.h"
 #include "Ports/Workspace.h"
 #include "Shell/AppDelegate.h"
 
@@ -41,6 +45,7 @@ public:
 private:
     void fillIn();
     void fillInForDiagnosis();
+    void fillInKeysAndMouse();
 
     QtMainQueue mainQueue;
     BusThread busThread;
@@ -56,6 +61,10 @@ private:
     std::unique_ptr<SpeechSynthesizer> speechSynthesizer;
     std::unique_ptr<Notifier> notifier;
     std::unique_ptr<WakeSignal> wakeSignal;
+    std::unique_ptr<Appearance> appearance;
+    std::unique_ptr<HotKeyRegistrar> hotKeyRegistrar;
+    std::unique_ptr<WindowSystem> windowSystem;
+    std::unique_ptr<Mouse> mouse;
     std::vector<std::unique_ptr<TrayHost>> trayHosts;
 };
 

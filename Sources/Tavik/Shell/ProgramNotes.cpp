@@ -20,6 +20,7 @@ std::vector<std::string> programNotes(const ProgramState& state) {
                            "请重新安装 Tavik，或者用 tavik-dict 生成词典。");
     if (state.bookTrouble) notes.push_back(*state.bookTrouble);
     if (state.settingsTrouble) notes.push_back(*state.settingsTrouble);
+    if (state.hotKeyTrouble) notes.push_back(*state.hotKeyTrouble);
     return notes;
 }
 

@@ -19,6 +19,8 @@ struct ProgramState {
     std::optional<std::string> bookTrouble;
     /// Why settings could not be kept.
     std::optional<std::string> settingsTrouble;
+    /// Why the hot key does nothing.
+    std::optional<std::string> hotKeyTrouble;
 };
 
 /// The book in one line.

@@ -1,5 +1,7 @@
 #include "Shell/StatusTexts.h"
 
+#include "HotKey/KeyNames.h"
+
 namespace tavik {
 
 std::string statusBadge(std::int64_t dueNow) {
@@ -10,6 +12,20 @@ std::string statusBadge(std::int64_t dueNow) {
 std::string statusToolTip(std::int64_t dueNow) {
     if (dueNow < 1) return "Tavik";
     return "Tavik：" + std::to_string(dueNow) + " 个生词待复习";
+}
+
+std::string lookupRow(const std::string& hotKey, bool isRegistered) {
+    return "划词查询  " + hotKey + (isRegistered ? "" : "（快捷键被占用）");
+}
+
+std::string hotKeyName(const HotKeyCombo& combo) {
+    return display(combo) + "（" + localName(combo) + "）";
+}
+
+std::string refusedHotKeyNote(const std::string& hotKeyName) {
+    return "快捷键 " + hotKeyName
+           + " 被其他程序占用，或者桌面没有同意。选中单词后，可以从托盘菜单或 Tavik "
+             "的窗口里选「划词查询」。";
 }
 
 } // namespace tavik

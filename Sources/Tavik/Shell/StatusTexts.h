@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Settings/HotKeyCombo.h"
+
 #include <cstdint>
 #include <string>
 
@@ -9,5 +11,18 @@ namespace tavik {
 std::string statusBadge(std::int64_t dueNow);
 
 std::string statusToolTip(std::int64_t dueNow);
+
+/// Of the menu, while other applications may not be read.
+inline constexpr const char* untrustedRow =
+    "⚠️ 未授权辅助功能，无法划词 — 点此设置";
+
+/// Of the menu, with the hot key as `display` shows it.
+std::string lookupRow(const std::string& hotKey, bool isRegistered);
+
+/// The hot key with this desktop's name for it: "⌥D（Alt+D）".
+std::string hotKeyName(const HotKeyCombo& combo);
+
+/// What to do about a hot key that the desktop does not give us.
+std::string refusedHotKeyNote(const std::string& hotKeyName);
 
 } // namespace tavik

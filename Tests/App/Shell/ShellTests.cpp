@@ -1,12 +1,6 @@
-#include "App/Support/FakeAccessibility.h"
-#include "App/Support/FakePasteboard.h"
-#include "App/Support/Fakes.h"
-#include "Platform/Null/MemoryPreferenceStore.h"
-#include "Shell/AppDelegate.h"
+#include "App/Support/FakeDesktop.h"
 #include "Shell/StatusIcon.h"
 #include "Shell/StatusTexts.h"
-#include "Support/Book.h"
-#include "Support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +10,7 @@
 #include <QMessageBox>
 #include <QMetaObject>
 #include <QPushButton>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -24,6 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::Contains;
+using testing::Each;
 using testing::HasSubstr;
 
 TEST(StatusTexts, theCountStandsInTheIconAndInTheToolTip) {
@@ -38,7 +34,7 @@ TEST(StatusTexts, theCountStandsInTheIconAndInTheToolTip) {
     EXPECT_NE(image(3), image(12));
 }
 
-class ShellTest : public testing::Test {
+class ShellTest : public testing::Test, protected test::FakeDesktop {
 protected:
     bool open() { return delegate.openEnvironment(data, std::nullopt); }
 
@@ -66,29 +62,8 @@ protected:
         QMetaObject::invokeMethod(QApplication::instance(), answer, Qt::QueuedConnection);
     }
 
-    test::TemporaryDirectory directory;
     fs::path data = directory.file("data");
-    Date now = test::day(1);
-    test::ManualMainQueue queue;
-    test::RecordingSpeech speech;
-    test::RecordingNotifier notifier;
-    test::FakeAccessibility accessibility;
-    test::FakeWorkspace workspace;
-    test::FakePasteboard pasteboard;
-    test::FakeProcesses processes;
-    MemoryPreferenceStore preferences;
-    test::FakeKeychain keychain;
-    test::FakeTrayHost tray;
-    test::FakeWakeSignal wakeSignal;
-    test::FakeAccessibilityTrust trust;
-    test::FakeSingleInstance instance;
-    AppSettings settings{preferences, keychain, AppSettings::standardKeychainAccount};
-    AppDelegate delegate{settings,
-                         {{queue, speech, notifier, accessibility, trust, workspace, pasteboard,
-                           processes, [this] { return now; }, directory.file("capture.log")},
-                          {&tray},
-                          wakeSignal,
-                          instance}};
+    AppDelegate delegate{settings, shellPorts()};
     std::vector<std::string> boxTexts;
 };
 
@@ -125,6 +100,103 @@ TEST_F(ShellTest, accessibilityIsSwitchedOnAgainOnlyForWhoAgreedToIt) {
     settings.onboardingDone.set(true);
     delegate.finishLaunching();
     EXPECT_EQ(trust.timesEnabled, 1);
+}
+
+/// In front is an application that tells nothing but what can be copied from it.
+class HotKeyTest : public ShellTest {
+protected:
+    HotKeyTest() {
+        workspace.front = {"阅读器", "reader", 4'000'000'000, "", {}, {}};
+        accessibility.systemWide = &accessibility.make("desktop");
+        pasteboard.copied = "cat";
+        trust.current.set(AccessibilityTrust::State::trusted);
+        EXPECT_TRUE(open());
+    }
+
+    static bool isShown(const QString& title) {
+        QApplication::processEvents();
+        return std::ranges::any_of(QApplication::topLevelWidgets(), [&](const QWidget* window) {
+            return window->isVisible() && window->windowTitle() == title;
+        });
+    }
+
+    std::vector<std::string> rowTitles() {
+        instance.show();
+        std::vector<std::string> titles;
+        QApplication::processEvents();
+        for (const QWidget* const window : QApplication::topLevelWidgets())
+            if (window->isVisible())
+                for (const auto* const button : window->findChildren<QPushButton*>())
+                    titles.push_back(button->text().toStdString());
+        return titles;
+    }
+
+    std::vector<std::string> logged() const {
+        std::ifstream log(directory.file("capture.log"));
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(log, line);)
+            lines.push_back(line);
+        return lines;
+    }
+
+    const QString popup = QStringLiteral("Tavik 查词");
+    const QString question = QStringLiteral("欢迎使用 Tavik");
+};
+
+TEST_F(HotKeyTest, aPressShowsWhatIsSelectedAndLogsIt) {
+    delegate.finishLaunching();
+    EXPECT_EQ(hotKeys.held, std::pair(2U, 2048U));
+    EXPECT_THAT(rowTitles(), Contains("划词查询  ⌥D"));
+    hotKeys.press();
+    hotKeys.press();
+    EXPECT_TRUE(runUntil([this] { return isShown(popup); }));
+    EXPECT_EQ(std::ranges::count(pasteboard.calls, "copy"), 1) << "one at a time";
+    hotKeys.press();
+    EXPECT_TRUE(runUntil([this] { return logged().size() == 2; }));
+    EXPECT_EQ(std::ranges::count(pasteboard.calls, "copy"), 2);
+    EXPECT_THAT(logged(), Each(HasSubstr("text=\"cat\"")));
+    EXPECT_TRUE(notifier.notifications.empty());
+}
+
+TEST_F(HotKeyTest, whoSelectedNothingOrGaveNoLeaveIsToldWhatToDo) {
+    pasteboard.copied.reset();
+    delegate.finishLaunching();
+    hotKeys.press();
+    EXPECT_TRUE(runUntil([this] { return !notifier.notifications.empty(); }));
+    EXPECT_EQ(notifier.notifications.front().first, "没有读取到选中的文字");
+    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("⌥D（Alt+D）"));
+    trust.current.set(AccessibilityTrust::State::notTrusted);
+    EXPECT_THAT(rowTitles(),
+                Contains("⚠️ 未授权辅助功能，无法划词 — 点此设置"));
+    hotKeys.press();
+    EXPECT_TRUE(isShown(question));
+    EXPECT_FALSE(isShown(popup));
+    for (auto* const button : QApplication::activeWindow() == nullptr
+                                  ? QList<QAbstractButton*>()
+                                  : QApplication::activeWindow()->findChildren<QAbstractButton*>())
+        if (button->text() == u"开启") button->click();
+    EXPECT_EQ(trust.timesEnabled, 1);
+    EXPECT_TRUE(settings.onboardingDone.value());
+}
+
+TEST_F(HotKeyTest, aCombinationThatIsTakenIsToldOfAndAnotherOneTried) {
+    hotKeys.taken = std::pair(2U, 2048U);
+    delegate.finishLaunching();
+    EXPECT_THAT(rowTitles(), Contains("划词查询  ⌥D（快捷键被占用）"));
+    settings.hotKey.set({40, 0x1000});
+    QApplication::processEvents();
+    EXPECT_THAT(rowTitles(), Contains("划词查询  ⌃K"));
+    EXPECT_EQ(hotKeys.held, std::pair(40U, 0x1000U));
+}
+
+TEST_F(HotKeyTest, aDesktopThatAsksTheUserHasNotRefused) {
+    hotKeys.taken = std::pair(2U, 2048U);
+    hotKeys.asking.set(true);
+    delegate.finishLaunching();
+    EXPECT_THAT(rowTitles(), Contains("划词查询  ⌥D"));
+    hotKeys.asking.set(false);
+    QApplication::processEvents();
+    EXPECT_THAT(rowTitles(), Contains("划词查询  ⌥D（快捷键被占用）"));
 }
 
 TEST_F(ShellTest, aBookThatCannotBeOpenedIsToldOfAndEndsTheLaunch) {
