@@ -1,6 +1,6 @@
 #include "Holdings.h"
 
-#include "Platform/Linux/X11/XCBHandles.h"
+#include "Platform/Linux/X11/WindowClients.h"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -25,16 +25,6 @@ std::int64_t residentKilobytes() {
         if (line.starts_with("VmRSS:"))
             return std::stoll(line.substr(line.find_first_of("0123456789")));
     return 0;
-}
-
-std::uint32_t processOf(xcb_connection_t* connection, std::uint32_t client) {
-    const xcb_res_client_id_spec_t spec{client, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const XCBReply<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(
-        connection, xcb_res_query_client_ids(connection, 1, &spec), nullptr));
-    if (!reply) return 0;
-    const auto values = xcb_res_query_client_ids_ids_iterator(reply.get());
-    if (values.rem == 0 || xcb_res_client_id_value_value_length(values.data) == 0) return 0;
-    return *xcb_res_client_id_value_value(values.data);
 }
 
 std::int64_t heapKilobytes() {
@@ -65,15 +55,12 @@ void addResources(xcb_connection_t* connection, std::uint32_t client, Holdings& 
 Holdings presentHoldings(xcb_connection_t* connection) {
     Holdings holdings{residentKilobytes(), heapKilobytes(), entriesOf("/proc/self/fd"),
                       entriesOf("/proc/self/task")};
-    // The server names processes only to those who have agreed on a version.
-    const XCBReply<xcb_res_query_version_reply_t> version(
-        xcb_res_query_version_reply(connection, xcb_res_query_version(connection, 1, 2), nullptr));
     const XCBReply<xcb_res_query_clients_reply_t> clients(
         xcb_res_query_clients_reply(connection, xcb_res_query_clients(connection), nullptr));
-    if (!version || !clients) return holdings;
+    if (!clients) return holdings;
     auto each = xcb_res_query_clients_clients_iterator(clients.get());
     for (; each.rem > 0; xcb_res_client_next(&each))
-        if (processOf(connection, each.data->resource_base) == static_cast<std::uint32_t>(getpid()))
+        if (localProcessOf(connection, each.data->resource_base) == getpid())
             addResources(connection, each.data->resource_base, holdings);
     return holdings;
 }

@@ -1,5 +1,6 @@
 #include "Platform/Linux/X11/HotKeyGrab.h"
 
+#include "Platform/Linux/X11/InputExtension.h"
 #include "Platform/Linux/X11/SelectionWindow.h"
 
 #include <X11/keysym.h>
@@ -27,16 +28,6 @@ std::uint16_t bitsOf(std::uint32_t modifiers, const Keyboard& keyboard) {
     if ((modifiers & 0x100U) != 0)
         bits |= modifierOr(XCB_MOD_MASK_4, keyboard.modifierOf({XK_Super_L, XK_Super_R}));
     return bits;
-}
-
-void selectRawReleases(const OpenDisplay& display, std::uint32_t events) {
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } const chosen{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
-
-    xcb_input_xi_select_events(display.connection, display.root, 1, &chosen.head);
-    xcb_flush(display.connection);
 }
 
 } // namespace
@@ -106,15 +97,7 @@ bool HotKeyGrab::areFree(const Grabs& grabs) {
 }
 
 bool HotKeyGrab::canAskInputExtension() {
-    if (!hasInputExtension) {
-        const auto* found = xcb_get_extension_data(display->connection, &xcb_input_id);
-        hasInputExtension = false;
-        if (found == nullptr || found->present == 0) return false;
-        const auto request = xcb_input_xi_query_version(display->connection, 2, 2);
-        const XCBReply<xcb_input_xi_query_version_reply_t> version(
-            xcb_input_xi_query_version_reply(display->connection, request, nullptr));
-        hasInputExtension = version && (version->major_version > 2 || version->minor_version >= 2);
-    }
+    if (!hasInputExtension) hasInputExtension = inputExtension(display->connection) != 0;
     return *hasInputExtension;
 }
 
@@ -181,7 +164,7 @@ void HotKeyGrab::notePress(const Touch& press) {
 void HotKeyGrab::letKeyboardGo(xcb_keycode_t key) {
     if (!canAskInputExtension()) return;
     xcb_connection_t* const connection = display->connection;
-    selectRawReleases(*display, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    selectRawEvents(connection, display->root, XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     xcb_ungrab_keyboard(connection, XCB_CURRENT_TIME);
     keyDown = key;
     const XCBReply<xcb_query_keymap_reply_t> keys(
@@ -193,7 +176,7 @@ void HotKeyGrab::letKeyboardGo(xcb_keycode_t key) {
 void HotKeyGrab::noteRelease(xcb_keycode_t key) {
     if (keyDown != key) return;
     keyDown.reset();
-    selectRawReleases(*display, 0);
+    selectRawEvents(display->connection, display->root, 0);
 }
 
 void HotKeyGrab::disconnected() {

@@ -1,24 +1,12 @@
 #include "Platform/Linux/X11/UserActivity.h"
 
+#include "Platform/Linux/X11/InputExtension.h"
+
 #include <xcb/xinput.h>
 
 namespace tavik {
-namespace {
-
-bool knowsRawEvents(xcb_connection_t* connection) {
-    const auto request = xcb_input_xi_query_version(connection, 2, 2);
-    const XCBReply<xcb_input_xi_query_version_reply_t> reply(
-        xcb_input_xi_query_version_reply(connection, request, nullptr));
-    return reply && (reply->major_version > 2 || reply->minor_version >= 2);
-}
-
-} // namespace
-
-UserActivity::UserActivity(const SelectionWindow& window) : window(window) {
-    const auto* found = xcb_get_extension_data(window.connection(), &xcb_input_id);
-    if (found != nullptr && found->present != 0 && knowsRawEvents(window.connection()))
-        extension = found->major_opcode;
-}
+UserActivity::UserActivity(const SelectionWindow& window)
+    : window(window), extension(inputExtension(window.connection())) {}
 
 void UserActivity::start() {
     stop();
@@ -40,14 +28,7 @@ void UserActivity::stop() {
 }
 
 void UserActivity::select(std::uint32_t events) const {
-    if (extension == 0) return;
-
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } const chosen{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
-
-    xcb_input_xi_select_events(window.connection(), window.root(), 1, &chosen.head);
+    if (extension != 0) selectRawEvents(window.connection(), window.root(), events);
 }
 
 void UserActivity::handle(const xcb_generic_event_t& event) {

@@ -1,6 +1,7 @@
 #include "Platform/Linux/X11/X11Mouse.h"
 
 #include "Platform/Linux/X11/DisplayThread.h"
+#include "Platform/Linux/X11/InputExtension.h"
 #include "Platform/Linux/X11/SelectionWindow.h"
 #include "Ports/MainQueue.h"
 
@@ -19,28 +20,6 @@ namespace {
 constexpr std::uint32_t leftButton = 1;
 constexpr std::uint32_t rightButton = 3;
 
-/// The extension's number; 0 when the server does not tell of presses while somebody holds a grab.
-std::uint8_t opcodeOfRawEvents(xcb_connection_t* connection) {
-    const auto* extension = xcb_get_extension_data(connection, &xcb_input_id);
-    if (extension == nullptr || extension->present == 0) return 0;
-    const auto request = xcb_input_xi_query_version(connection, 2, 2);
-    const XCBReply<xcb_input_xi_query_version_reply_t> reply(
-        xcb_input_xi_query_version_reply(connection, request, nullptr));
-    const bool isEnough = reply
-                          && std::pair(reply->major_version, reply->minor_version)
-                                 >= std::pair<std::uint16_t, std::uint16_t>(2, 1);
-    return isEnough ? extension->major_opcode : 0;
-}
-
-void selectRawEvents(const OpenDisplay& display, std::uint32_t events) {
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-    } const chosen{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, events};
-
-    xcb_input_xi_select_events(display.connection, display.root, 1, &chosen.head);
-}
-
 } // namespace
 
 /// Hears of presses on the display's thread. The thread may be left behind, and then must find
@@ -55,14 +34,14 @@ public:
     void listenFor(const OpenDisplay& on, std::int64_t observation) {
         newest = observation;
         if (display) return;
-        opcode = opcodeOfRawEvents(on.connection);
+        opcode = inputExtension(on.connection);
         if (opcode == 0) return;
         display = on;
-        selectRawEvents(on, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
+        selectRawEvents(on.connection, on.root, XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS);
     }
 
     void stop() {
-        if (display) selectRawEvents(*display, 0);
+        if (display) selectRawEvents(display->connection, display->root, 0);
         display.reset();
     }
 
