@@ -110,8 +110,18 @@ void X11WindowSystem::takeKeyboard(std::uint32_t window) {
     const auto present = focus();
     if (present && present->window != window && !takers.contains(present->window)) former = present;
     takers.insert(window);
-    takenAt = clock.now().value_or(XCB_CURRENT_TIME);
-    static_cast<void>(setFocus({window, XCB_INPUT_FOCUS_PARENT}));
+    // A window manager that moves the keyboard just now makes a time that was asked for before a
+    // past one, which the server passes over.
+    constexpr int mostAttempts = 3;
+    for (int attempt = 0; attempt < mostAttempts && !hasKeyboard(window); ++attempt) {
+        takenAt = clock.now().value_or(XCB_CURRENT_TIME);
+        if (!setFocus({window, XCB_INPUT_FOCUS_PARENT})) return;
+    }
+}
+
+bool X11WindowSystem::hasKeyboard(xcb_window_t window) const {
+    const auto present = focus();
+    return present && present->window == window;
 }
 
 /// With the time at which the keyboard was taken, so that whatever a window manager has done since,

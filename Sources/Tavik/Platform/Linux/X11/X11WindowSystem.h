@@ -35,6 +35,7 @@ private:
     };
 
     std::optional<Focus> focus() const;
+    bool hasKeyboard(xcb_window_t window) const;
     bool setFocus(const Focus& focus) const;
     bool contains(xcb_window_t window, xcb_window_t inner) const;
     xcb_window_t activeWindow() const;
