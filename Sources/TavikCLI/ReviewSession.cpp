@@ -1,5 +1,8 @@
 #include "TavikCLI/ReviewSession.h"
 
+#include "Vocabulary/PresentItem.h"
+#include "Vocabulary/ShownEncounter.h"
+
 namespace tavik {
 
 ReviewSession::ReviewSession(VocabularyStore& book, const Scheduler& scheduler, Date now,
@@ -11,13 +14,7 @@ const VocabItem* ReviewSession::current() const {
 }
 
 std::optional<Encounter> ReviewSession::encounter() const {
-    const auto all = book.encounters(queue[index].word.id);
-    std::vector<Encounter> withSentence;
-    for (const Encounter& encounter : all)
-        if (encounter.sentence && !encounter.sentence->empty()) withSentence.push_back(encounter);
-    if (withSentence.empty()) return std::nullopt;
-    const auto reviews = static_cast<std::uint64_t>(queue[index].card.reps);
-    return withSentence[reviews % withSentence.size()];
+    return encounterForReview(book.encounters(queue[index].word.id), queue[index].card.reps);
 }
 
 RatingMap<Date> ReviewSession::preview(Date now) const {
@@ -25,15 +22,12 @@ RatingMap<Date> ReviewSession::preview(Date now) const {
 }
 
 bool ReviewSession::rate(Rating rating, Date now) {
-    const Word& shown = queue[index].word;
-    const std::int64_t wordID = shown.id;
-    // Another program may have deleted the word, or restored a book where its id is another's.
-    const auto present = book.item(wordID);
-    const bool isSame =
-        present && present->word.lemma == shown.lemma && present->word.createdAt == shown.createdAt;
-    if (isSame) book.review(wordID, rating, scheduler, now);
+    const std::int64_t wordID = queue[index].word.id;
+    // Another program may have deleted the word.
+    const bool isPresent = presentItem(book, queue[index].word).has_value();
+    if (isPresent) book.review(wordID, rating, scheduler, now);
     ++index;
-    if (!isSame || rating != Rating::again) return isSame;
+    if (!isPresent || rating != Rating::again) return isPresent;
     if (auto again = book.item(wordID)) queue.push_back(std::move(*again));
     return true;
 }

@@ -1,8 +1,8 @@
 #include "TavikCLI/VocabularyReport.h"
 
 #include "Learning/DueLabel.h"
-#include "Text/TextUtil.h"
 #include "Text/Unicode.h"
+#include "Vocabulary/ShownEncounter.h"
 
 #include <algorithm>
 
@@ -71,8 +71,7 @@ void addEncounter(Report& report, const Encounter& encounter, const Word& word,
                   std::size_t indent) {
     const std::string sentence = encounter.sentence.value_or("");
     if (sentence.empty()) return;
-    const auto found =
-        TextUtil::highlight(sentence, {encounter.selection, word.headword, word.lemma});
+    const auto found = highlighted(encounter, word);
     if (found)
         report.marked(found->before, found->match, found->after, indent);
     else

@@ -1,12 +1,13 @@
 #include "Vocabulary/VocabularyExport.h"
 
-#include "Text/TextUtil.h"
 #include "Text/Unicode.h"
+#include "Vocabulary/ShownEncounter.h"
 #include "Vocabulary/VocabularyJSON.h"
 #include "Vocabulary/VocabularyStore.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -37,6 +38,19 @@ void appendCSVLine(std::string& csv, const Cells& cells) {
     csv += "\r\n";
 }
 
+/// Text without the tabs and line breaks for which the format has no quoting.
+std::string tsvCell(std::string text) {
+    std::ranges::replace_if(
+        text, [](char each) { return each == '\t' || each == '\r' || each == '\n'; }, ' ');
+    return (looksLikeFormula(text) ? "'" : "") + text;
+}
+
+void appendTSVLine(std::string& tsv, const Cells& cells) {
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        tsv.append(i == 0 ? "" : "\t").append(tsvCell(cells[i]));
+    tsv += '\n';
+}
+
 Cells wordCells(const Word& word, const Calendar& calendar) {
     return {word.headword, word.lemma, word.phonetic, word.brief, calendar.text(word.createdAt)};
 }
@@ -56,8 +70,11 @@ Cells encounterCells(const Encounter& encounter, const Calendar& calendar) {
             calendar.text(encounter.seenAt)};
 }
 
+/// By which spreadsheets know that a CSV file is UTF-8.
+constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
+
 std::string csv(std::span<const WordHistory> words, const Calendar& calendar) {
-    std::string csv = "\xEF\xBB\xBF";
+    std::string csv = byteOrderMark;
     const Cells columns{"单词",     "原形",     "音标",     "释义",     "保存时间",   "状态",
                         "下次复习", "复习次数", "遗忘次数", "上次复习", "选中的文字", "句子",
                         "语境释义", "来源",     "网址",     "遇到时间"};
@@ -106,9 +123,7 @@ std::string html(std::string_view text) {
 std::string ankiSentence(const Encounter& encounter, const Word& word) {
     const std::string sentence = orEmpty(encounter.sentence);
     std::string field = html(sentence);
-    const auto highlight =
-        TextUtil::highlight(sentence, {encounter.selection, word.headword, word.lemma});
-    if (highlight)
+    if (const auto highlight = highlighted(encounter, word))
         field = html(highlight->before) + "<b>" + html(highlight->match) + "</b>"
                 + html(highlight->after);
     if (encounter.contextMeaning) field += "<br>" + html(*encounter.contextMeaning);
@@ -149,6 +164,19 @@ std::optional<ExportFormat> exportFormat(std::string_view name) {
     if (name == "json") return ExportFormat::json;
     if (name == "anki") return ExportFormat::anki;
     return std::nullopt;
+}
+
+std::string exportedItems(const std::vector<VocabItem>& items, TableFormat format,
+                          const Calendar& calendar) {
+    const bool isCSV = format == TableFormat::csv;
+    const auto append = isCSV ? appendCSVLine : appendTSVLine;
+    std::string table = isCSV ? byteOrderMark : "";
+    append(table, {"单词", "音标", "释义", "遇到次数", "下次复习", "最近的句子", "来源"});
+    for (const auto& [word, card, latest, encounterCount] : items)
+        append(table, {word.headword, word.phonetic, word.brief, std::to_string(encounterCount),
+                       calendar.text(card.due), latest ? orEmpty(latest->sentence) : "",
+                       latest ? latest->source.label() : ""});
+    return table;
 }
 
 std::string exportedBook(const std::vector<WordHistory>& words, ExportFormat format,

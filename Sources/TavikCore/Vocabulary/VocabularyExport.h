@@ -39,4 +39,16 @@ std::optional<ExportFormat> exportFormat(std::string_view name);
 std::string exportedBook(const std::vector<WordHistory>& words, ExportFormat format,
                          const Calendar& calendar);
 
+enum class TableFormat {
+    /// For spreadsheets: UTF-8 with a byte-order mark, by RFC 4180.
+    csv,
+    /// Tabs between the cells, for pasting and for other programs.
+    tsv,
+};
+
+/// A line for each word under a line of titles, in the order given. A cell that a spreadsheet would
+/// take for a formula begins with "'".
+std::string exportedItems(const std::vector<VocabItem>& items, TableFormat format,
+                          const Calendar& calendar);
+
 } // namespace tavik

@@ -1,7 +1,7 @@
 #include "App/Support/FakeDesktop.h"
+#include "Dictionary/DefinitionText.h"
 #include "Support/LoopbackServer.h"
 #include "Support/SampleDictionary.h"
-#include "UI/Popup/DefinitionText.h"
 #include "UI/Popup/PopupController.h"
 
 #include <gmock/gmock.h>

@@ -8,6 +8,7 @@ namespace tavik {
 namespace {
 
 using test::day;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -39,6 +40,19 @@ TEST_F(ExportTest, csvHasALineForEachEncounterAndNoFormulas) {
     EXPECT_THAT(csv, HasSubstr(",ran,\"'=He ran,\nfast & \"\"far\"\".\tEnd\",跑,Firefox,"
                                "https://www.example.com/a,2025-06-15 23:06\r\n"));
     EXPECT_THAT(csv, HasSubstr(",run,Run!,,,,2025-06-16 23:06\r\n"));
+}
+
+TEST_F(ExportTest, rowsAreALineEachForSpreadsheetsAndForPasting) {
+    const Calendar calendar("Asia/Shanghai");
+    const auto items = book.items("");
+    EXPECT_EQ(exportedItems(items, TableFormat::csv, calendar),
+              "\xEF\xBB\xBF单词,音标,释义,遇到次数,下次复习,最近的句子,来源\r\n"
+              "go,,,1,2025-06-17 23:06,,\r\n"
+              "run,rʌn,\"n. \"\"跑\"\", <快>\",2,2025-06-15 23:06,Run!,\r\n");
+    book.add("run", "run", {}, "ran", "=He ran,\nfar.\tEnd", {}, {"Firefox", {}, {}}, day(3));
+    EXPECT_THAT(exportedItems(book.items(""), TableFormat::tsv, calendar),
+                EndsWith("\nrun\trʌn\tn. \"跑\", <快>\t3\t2025-06-15 23:06\t"
+                         "'=He ran, far. End\tFirefox\n"));
 }
 
 TEST_F(ExportTest, jsonHoldsEverythingUnderTheFieldsNames) {

@@ -1,8 +1,8 @@
 #include "UI/Popup/PopupView.h"
 
+#include "Dictionary/DefinitionText.h"
 #include "Dictionary/DictionaryLabels.h"
 #include "Text/TextUtil.h"
-#include "UI/Popup/DefinitionText.h"
 #include "UI/Widgets/Fonts.h"
 
 #include <QFontMetrics>

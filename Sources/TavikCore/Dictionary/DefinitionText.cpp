@@ -1,4 +1,4 @@
-#include "UI/Popup/DefinitionText.h"
+#include "Dictionary/DefinitionText.h"
 
 #include <algorithm>
 
