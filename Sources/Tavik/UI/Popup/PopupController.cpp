@@ -54,7 +54,7 @@ void PopupController::show(const CaptureResult& capture, bool hover) {
 }
 
 std::unique_ptr<PopupPanel, PopupController::LaterDeletion> PopupController::makePanel() {
-    const Theme& theme = currentTheme();
+    const Theme& theme = currentTheme(env.prefersDark().value());
     auto view = std::make_unique<PopupView>(model, canExplain(), actions(), theme);
     std::unique_ptr<PopupPanel, LaterDeletion> made(
         std::make_unique<PopupPanel>(std::move(view), windows.hasCompositor(), theme).release());
@@ -74,10 +74,6 @@ PopupActions PopupController::actions() {
                     if (onVideo && model) onVideo(model->title());
                 },
             .copyTranslation = [this] { copyTranslation(); }};
-}
-
-const Theme& PopupController::currentTheme() const {
-    return theme(env.prefersDark().value() || hasDarkPalette());
 }
 
 bool PopupController::canExplain() const {
@@ -140,7 +136,8 @@ void PopupController::followChanges() {
     };
     sizeObserver = model->observeChanges(change);
     appearanceObserver = env.prefersDark().observe([this](bool) {
-        QTimer::singleShot(0, later.get(), [this] { panel->setTheme(currentTheme()); });
+        QTimer::singleShot(0, later.get(),
+                           [this] { panel->setTheme(currentTheme(env.prefersDark().value())); });
     });
 }
 

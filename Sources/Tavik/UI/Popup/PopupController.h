@@ -76,7 +76,6 @@ private:
 
     std::unique_ptr<PopupPanel, LaterDeletion> makePanel();
     PopupActions actions();
-    const Theme& currentTheme() const;
     bool canExplain() const;
     ScreenRect inPoints(const ScreenRect& upwards) const;
     void chooseScreen(const std::vector<Screen>& screens, ScreenPoint point);

@@ -4,14 +4,14 @@
 #include "Dictionary/DictionaryLabels.h"
 #include "Text/TextUtil.h"
 #include "UI/Widgets/Fonts.h"
+#include "UI/Widgets/RichText.h"
+#include "UI/Widgets/ThinScrollBar.h"
 
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QScrollBar>
 #include <algorithm>
 #include <cmath>
-#include <map>
 
 namespace tavik {
 namespace {
@@ -53,10 +53,6 @@ std::vector<std::string> sensesOf(const DictEntry& entry) {
     const auto most =
         static_cast<std::size_t>(isChinese ? mostDefinitions : mostEnglishDefinitions);
     return {all.begin(), all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), most))};
-}
-
-QString colored(const QString& escaped, const QColor& color) {
-    return QStringLiteral("<span style=\"color:%1\">%2</span>").arg(color.name(), escaped);
 }
 
 /// Also of one without any text that wraps.
@@ -263,14 +259,11 @@ void PopupView::refreshContext() {
 }
 
 QString PopupView::exampleText(const ExampleSentence& example) const {
-    QString line = text(example.en).toHtmlEscaped();
-    if (const auto found = TextUtil::highlight(example.en, model.result().forms()))
-        line = text(found->before).toHtmlEscaped() + QStringLiteral("<b>")
-               + colored(text(found->match).toHtmlEscaped(), colors->accent)
-               + QStringLiteral("</b>") + text(found->after).toHtmlEscaped();
+    const auto found = TextUtil::highlight(example.en, model.result().forms());
+    QString line = found ? markedHTML(found->before, found->match, found->after, *colors)
+                         : text(example.en).toHtmlEscaped();
     if (!example.zh.empty())
-        line += QStringLiteral("<br>")
-                + colored(text(example.zh).toHtmlEscaped(), colors->secondaryText);
+        line += QStringLiteral("<br>") + coloredHTML(example.zh, colors->secondaryText);
     return line;
 }
 
@@ -316,17 +309,7 @@ void PopupView::applyTheme() {
 }
 
 bool PopupView::scrollBy(int key) {
-    static const std::map<int, QAbstractSlider::SliderAction> steps{
-        {Qt::Key_Up, QAbstractSlider::SliderSingleStepSub},
-        {Qt::Key_Down, QAbstractSlider::SliderSingleStepAdd},
-        {Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
-        {Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
-        {Qt::Key_Home, QAbstractSlider::SliderToMinimum},
-        {Qt::Key_End, QAbstractSlider::SliderToMaximum}};
-    const auto found = steps.find(key);
-    if (found == steps.end()) return false;
-    scroll->verticalScrollBar()->triggerAction(found->second);
-    return true;
+    return scrollByKey(*scroll, key);
 }
 
 std::string PopupView::selectedText() const {

@@ -7,7 +7,7 @@
 namespace tavik {
 
 /// A part of a window that is set apart by its ground.
-class Section final : public QWidget {
+class Section : public QWidget {
 public:
     explicit Section(const Theme& theme) : colors(&theme) {}
 

@@ -20,6 +20,10 @@ Theme lightTheme() {
             .controlBorder = "#d5dbe5",
             .hover = "#eef1f6",
             .danger = "#b93129",
+            .red = {"#fdecea", "#fadbd8", "#a3211a"},
+            .orange = {"#fff0da", "#ffe3bd", "#874800"},
+            .green = {"#e4f5e8", "#d0edd7", "#1a662c"},
+            .blue = {"#e5eefd", "#d3e2fb", "#1d54b8"},
             .isDark = false};
 }
 
@@ -38,6 +42,10 @@ Theme darkTheme() {
             .controlBorder = "#48505c",
             .hover = "#343b46",
             .danger = "#ff9a90",
+            .red = {"#47282a", "#573034", "#ffb3ab"},
+            .orange = {"#44331f", "#544027", "#ffc482"},
+            .green = {"#223d2b", "#2a4c36", "#92e2a6"},
+            .blue = {"#25365a", "#2d4370", "#a9c7ff"},
             .isDark = true};
 }
 
@@ -65,6 +73,10 @@ const Theme& theme(bool isDark) {
 bool hasDarkPalette() {
     constexpr int half = 128;
     return QGuiApplication::palette().color(QPalette::Window).lightness() < half;
+}
+
+const Theme& currentTheme(bool prefersDark) {
+    return theme(prefersDark || hasDarkPalette());
 }
 
 } // namespace tavik
