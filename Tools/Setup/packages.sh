@@ -9,7 +9,8 @@
         g++ cmake ninja-build
         libsqlite3-dev libicu-dev nlohmann-json3-dev libcli11-dev liburiparser-dev
         libcurl4-openssl-dev libssl-dev
-        pkg-config qt6-base-dev qt6-svg-dev qt6-wayland libglib2.0-dev libsecret-1-dev libspeechd-dev libxcb1-dev
+        pkg-config qt6-base-dev qt6-svg-dev qt6-translations-l10n qt6-wayland libglib2.0-dev libsecret-1-dev
+        libspeechd-dev libxcb1-dev
         libxcb-randr0-dev libxcb-res0-dev libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xtest0-dev
         fonts-noto-core fonts-noto-cjk
         wordnet-base ca-certificates

@@ -13,8 +13,11 @@
 #include "UI/Widgets/Fonts.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QMessageBox>
 #include <QSessionManager>
+#include <QTranslator>
 #include <chrono>
 #include <exception>
 #include <filesystem>
@@ -103,13 +106,22 @@ void letOwnWindowsBeRead() {
     if (!environmentVariable(name)) qputenv(name, "1");
 }
 
+/// What Qt itself says in dialogs and menus.
+void speakChinese(QApplication& application) {
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    auto* const texts = new QTranslator(&application);
+    if (texts->load(QStringLiteral("qtbase_zh_CN"),
+                    QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(texts);
+}
+
 void describe(QApplication& application) {
     QApplication::setApplicationName(QStringLiteral("tavik"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Tavik"));
     QApplication::setApplicationVersion(QStringLiteral(TAVIK_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("com.tavik.app"));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setFont(uiFont(FontSizes::body));
+    speakChinese(application);
     // The login item starts the program; a restored session need not do it, too.
     for (const auto request :
          {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})

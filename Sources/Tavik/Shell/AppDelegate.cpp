@@ -4,6 +4,8 @@
 #include "Lookup/VideoLinks.h"
 #include "Shell/BookAlert.h"
 #include "Shell/StatusTexts.h"
+#include "UI/Browser/VocabularyView.h"
+#include "UI/Review/ReviewView.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -22,6 +24,8 @@ constexpr std::chrono::milliseconds focusDelay{80};
 /// Until a refusal is told of, as it may be over soon, and no answer at all counts as one.
 constexpr std::chrono::seconds refusalPatience{5};
 constexpr std::chrono::minutes answerPatience{2};
+constexpr const char* reviewWindow = "review";
+constexpr const char* vocabularyWindow = "vocab";
 
 } // namespace
 
@@ -89,6 +93,9 @@ std::vector<MenuRow> AppDelegate::menuRows() {
     if (!isTrusted()) rows.push_back({untrustedRow, 0, false, [this] { showOnboarding(); }});
     rows.push_back({lookupRow(display(settings.hotKey.value()), !isHotKeyRefused()), 0,
                     !isTrusted(), [this] { menuLookupSelection(); }});
+    rows.push_back({reviewRow(env->dueNow().value()), 'r', true, [this] { showReview(); }});
+    rows.push_back(
+        {vocabularyRow(env->totalWords().value()), 'v', false, [this] { showVocabulary(); }});
     rows.push_back({"退出 Tavik", 'q', true, [] { QCoreApplication::quit(); }});
     return rows;
 }
@@ -192,6 +199,30 @@ void AppDelegate::showOnboarding() {
     onboarding->show();
     onboarding->raise();
     onboarding->activateWindow();
+}
+
+WordActions AppDelegate::wordActions(const std::string& window) {
+    return {.onVideo = showVideo,
+            .openPage =
+                [](const std::string& url) {
+                    QDesktopServices::openUrl(QUrl(QString::fromStdString(url)));
+                },
+            .onClose = [this, window] { windows.window(window)->close(); }};
+}
+
+void AppDelegate::showReview() {
+    windows.present(reviewWindow, {QStringLiteral("Tavik · 今日复习"), false, true}, [this] {
+        return std::make_unique<ReviewView>(std::make_shared<ReviewModel>(*env),
+                                            wordActions(reviewWindow));
+    });
+}
+
+void AppDelegate::showVocabulary() {
+    const bool isNew = !windows.isVisible(vocabularyWindow);
+    windows.present(vocabularyWindow, {QStringLiteral("Tavik · 生词本"), true, isNew}, [this] {
+        return std::make_unique<VocabularyView>(std::make_shared<VocabularyModel>(*env),
+                                                wordActions(vocabularyWindow));
+    });
 }
 
 void AppDelegate::showVideo(const std::string& word) {

@@ -13,7 +13,9 @@
 #include "Shell/ProgramNotes.h"
 #include "Shell/ProgramWindow.h"
 #include "Shell/StatusItem.h"
+#include "Shell/WindowSet.h"
 #include "UI/Popup/PopupController.h"
+#include "UI/Review/WordActions.h"
 
 #include <QMessageBox>
 #include <QTimer>
@@ -68,6 +70,11 @@ public:
     /// Asks whether other applications may be read.
     void showOnboarding();
 
+    /// Begins a new session of review.
+    void showReview();
+
+    void showVocabulary();
+
     /// Opens clips with the word.
     static void showVideo(const std::string& word);
 
@@ -75,6 +82,7 @@ private:
     using Captured = std::variant<CaptureResult, CaptureError>;
 
     std::vector<MenuRow> menuRows();
+    WordActions wordActions(const std::string& window);
     bool isTrusted() const;
     void registerHotKey();
     bool isHotKeyRefused() const;
@@ -100,6 +108,7 @@ private:
     std::unique_ptr<QMessageBox> onboarding;
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<ProgramWindow> programWindow;
+    WindowSet windows;
     QTimer dayTimer;
     /// Until the user is told that there is no hot key.
     QTimer hotKeyTimer;

@@ -18,6 +18,15 @@ std::string lookupRow(const std::string& hotKey, bool isRegistered) {
     return "划词查询  " + hotKey + (isRegistered ? "" : "（快捷键被占用）");
 }
 
+std::string reviewRow(std::int64_t dueNow) {
+    if (dueNow < 1) return "今日复习（已完成）";
+    return "今日复习（" + std::to_string(dueNow) + " 个待复习）";
+}
+
+std::string vocabularyRow(std::int64_t totalWords) {
+    return "生词本（" + std::to_string(totalWords) + "）";
+}
+
 std::string hotKeyName(const HotKeyCombo& combo) {
     return display(combo) + "（" + localName(combo) + "）";
 }

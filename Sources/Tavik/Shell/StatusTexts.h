@@ -19,6 +19,12 @@ inline constexpr const char* untrustedRow =
 /// Of the menu, with the hot key as `display` shows it.
 std::string lookupRow(const std::string& hotKey, bool isRegistered);
 
+/// Of the menu, with the number of words due.
+std::string reviewRow(std::int64_t dueNow);
+
+/// Of the menu, with the number of words saved.
+std::string vocabularyRow(std::int64_t totalWords);
+
 /// The hot key with this desktop's name for it: "⌥D（Alt+D）".
 std::string hotKeyName(const HotKeyCombo& combo);
 

@@ -9,7 +9,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMetaObject>
+#include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -49,6 +51,15 @@ protected:
                 for (const QLabel* const label : window->findChildren<QLabel*>())
                     if (label->isVisible()) texts.push_back(label->text().toStdString());
         return texts;
+    }
+
+    /// The visible windows with that title.
+    static std::vector<QWidget*> windowsWith(const QString& title) {
+        QApplication::processEvents();
+        std::vector<QWidget*> found;
+        for (QWidget* const window : QApplication::topLevelWidgets())
+            if (window->isVisible() && window->windowTitle() == title) found.push_back(window);
+        return found;
     }
 
     /// Answers the next message box with its button `index` and keeps what the box said.
@@ -91,6 +102,30 @@ TEST_F(ShellTest, theWindowFollowsTheBookAfterAWake) {
     test::addWord(elsewhere, "one", std::nullopt, test::day(0));
     wakeSignal.wake();
     EXPECT_THAT(shownTexts(), Contains("生词本里有 1 个生词，1 个待复习"));
+}
+
+TEST_F(ShellTest, aReviewBeginsAnewAndTheBookComesBackAsItIs) {
+    EXPECT_EQ(reviewRow(0), "今日复习（已完成）");
+    EXPECT_EQ(reviewRow(3), "今日复习（3 个待复习）");
+    EXPECT_EQ(vocabularyRow(12), "生词本（12）");
+    ASSERT_TRUE(open());
+    delegate.finishLaunching();
+    delegate.showReview();
+    const QPointer<QWidget> first = windowsWith("Tavik · 今日复习").at(0);
+    delegate.showReview();
+    EXPECT_NE(windowsWith("Tavik · 今日复习"), std::vector<QWidget*>{first.data()});
+    EXPECT_EQ(windowsWith("Tavik · 今日复习").size(), 1U);
+    delegate.showVocabulary();
+    QWidget* const book = windowsWith("Tavik · 生词本").at(0);
+    EXPECT_EQ(book->size(), QSize(1180, 640).boundedTo(book->screen()->availableSize() * 9 / 10));
+    book->resize(800, 500);
+    delegate.showVocabulary();
+    EXPECT_EQ(windowsWith("Tavik · 生词本"), std::vector<QWidget*>{book});
+    EXPECT_EQ(book->size(), QSize(800, 500));
+    book->close();
+    delegate.showVocabulary();
+    EXPECT_NE(windowsWith("Tavik · 生词本").at(0)->size(), QSize(800, 500));
+    QApplication::closeAllWindows();
 }
 
 TEST_F(ShellTest, accessibilityIsSwitchedOnAgainOnlyForWhoAgreedToIt) {
