@@ -225,7 +225,9 @@ TEST_F(ReviewViewTest, keysRevealAndRateInItsWindowOnly) {
     for (const int key : {Qt::Key_0, Qt::Key_5, Qt::Key_A})
         EXPECT_FALSE(press(key));
     EXPECT_EQ(model->index().value(), 0);
-    EXPECT_TRUE(press(Qt::Key_1));
+    EXPECT_FALSE(pressKey(*view, Qt::Key_Exclam, "!", Qt::ShiftModifier));
+    EXPECT_TRUE(pressKey(*view, Qt::Key_1, "1", Qt::ShiftModifier))
+        << "as French keyboards have it";
     EXPECT_FALSE(press(Qt::Key_1)) << "a second press is not for the next word";
     for (int word = 0; word < 2; ++word) {
         press(Qt::Key_Space);

@@ -193,8 +193,6 @@ bool ReviewView::eventFilter(QObject* watched, QEvent* event) {
     if (key == nullptr || key->type() != QEvent::KeyPress || widget == nullptr
         || widget->window() != window() || model.current() == nullptr)
         return false;
-    // Combinations switch input methods and work spaces.
-    if ((key->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return false;
     return handleKey(key->key());
 }
 
