@@ -6,6 +6,7 @@
 #include "TavikDict/Attribution.h"
 #include "TavikDict/BuildError.h"
 #include "TavikDict/BulkInsert.h"
+#include "TavikDict/CommonWords.h"
 #include "TavikDict/ExampleSources.h"
 #include "TavikDict/LemmaTable.h"
 #include "Text/Unicode.h"
@@ -134,6 +135,15 @@ void writeLemmas(SQLiteDB& db, const LemmaTable& lemmas, BuildSummary& summary) 
     insert.finish();
 }
 
+void writeRanks(SQLiteDB& db, const Sources& sources) {
+    // Of two spellings of one word that share a rank, the first stands for both.
+    BulkInsert insert(db, "INSERT OR IGNORE INTO ranks(word, rank)", 2);
+    for (const auto& [word, rank] :
+         commonWords(sources.headwords, sources.lemmas, sources.examples.all()))
+        insert.add({word, rank});
+    insert.finish();
+}
+
 void writeExamples(SQLiteDB& db, const Sources& sources, BuildObserver& observer,
                    BuildSummary& summary) {
     const auto& sentences = sources.examples.all();
@@ -162,6 +172,7 @@ void writeDatabase(const fs::path& path, const Sources& sources, BuildObserver& 
     db.transaction([&] {
         writeHeadwords(db, sources, observer, summary);
         writeLemmas(db, sources.lemmas, summary);
+        writeRanks(db, sources);
         db.execute(DictionarySchema::indexes);
         writeExamples(db, sources, observer, summary);
     });

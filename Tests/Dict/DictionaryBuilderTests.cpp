@@ -72,6 +72,10 @@ TEST_F(DictionaryBuilderTest, theBuiltFileAnswersAsADictionary) {
     EXPECT_THAT(dictionary.examples("fast", 9),
                 UnorderedElementsAre(ExampleSentence{"Run fast", "快跑。"},
                                      ExampleSentence{"he RAN fast", ""}));
+    EXPECT_THAT(dictionary.suggestions("give", 9),
+                ElementsAre(Suggestion{"give", "v. 给"}, Suggestion{"give up", "放弃"}));
+    EXPECT_THAT(dictionary.suggestions("r", 2),
+                ElementsAre(Suggestion{"run", "n. 跑"}, Suggestion{"running", "n. 赛跑, 跑步"}));
 
     EXPECT_EQ(summary.headwords, 28);
     EXPECT_EQ(summary.examples, 15);

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
+#include <set>
 #include <utility>
 
 namespace tavik {
@@ -18,12 +19,15 @@ namespace {
 constexpr std::size_t passes = 5;
 constexpr int exampleLimit = 3;
 constexpr std::size_t slowestShown = 5;
+constexpr int suggestionLimit = 10;
+constexpr std::size_t longestPrefix = 6;
 
 constexpr double entryBudget = 25;
 constexpr double lemmaBudget = 100;
 constexpr double lookupBudget = 1000;
 constexpr double examplesBudget = 3000;
 constexpr double sentenceBudget = 100;
+constexpr double suggestionsBudget = 1000;
 
 constexpr std::size_t textUnits = 10000;
 constexpr std::size_t textRounds = 500;
@@ -100,6 +104,29 @@ void reportSentences(const std::u16string& text) {
                    measured(std::vector<std::string>(textRounds), hasSentence), sentenceBudget);
 }
 
+/// The different beginnings of `length` bytes that longer words have.
+std::vector<std::string> prefixes(const std::vector<std::string>& words, std::size_t length) {
+    std::set<std::string> result;
+    for (const std::string& word : words)
+        if (word.size() > length) result.insert(word.substr(0, length));
+    return {result.begin(), result.end()};
+}
+
+void reportSuggestions(const OfflineDictionary& dictionary, const std::vector<std::string>& words) {
+    const auto isFull = [&](const std::string& prefix) {
+        return dictionary.suggestions(prefix, suggestionLimit).size() == suggestionLimit;
+    };
+    for (std::size_t length = 1; length <= longestPrefix; ++length) {
+        const std::string title = "suggestions, " + std::to_string(length) + " typed";
+        const std::vector<std::string> typed = prefixes(words, length);
+        const Measurement suggestions = measured(typed, isFull);
+        printRow(title.c_str(), suggestions);
+        printBudget("p99", suggestions.samples.p99(), suggestionsBudget);
+        std::printf("\n");
+        printSlowest(typed, suggestions.samples);
+    }
+}
+
 /// The whole lookup of the service, with a book that holds every second word.
 void reportLookups(const OfflineDictionary& dictionary, const WordLists& words) {
     VocabularyStore book(":memory:");
@@ -142,6 +169,7 @@ void reportInProcess(const std::string& dictionary, const WordLists& words) {
     std::printf("\n");
     printSlowest(words.frequent, examples.samples);
 
+    reportSuggestions(opened, words.frequent);
     reportLookups(opened, words);
     reportSentences(runningText(opened, words.frequent));
 

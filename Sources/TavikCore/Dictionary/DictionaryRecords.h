@@ -41,6 +41,15 @@ struct ExampleSentence {
     auto operator<=>(const ExampleSentence&) const = default;
 };
 
+/// A headword to offer while a word is typed.
+struct Suggestion {
+    std::string word;
+    /// The first line of its translation; may be empty.
+    std::string gloss;
+
+    bool operator==(const Suggestion&) const = default;
+};
+
 } // namespace tavik
 
 template<>

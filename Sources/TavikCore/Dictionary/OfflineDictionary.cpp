@@ -3,10 +3,12 @@
 #include "Base/Fatal.h"
 #include "Dictionary/DictionarySQL.h"
 #include "Dictionary/Exchange.h"
+#include "Dictionary/TypedPrefix.h"
 #include "Text/CharacterClasses.h"
 #include "Text/TextUtil.h"
 #include "Text/Unicode.h"
 
+#include <algorithm>
 #include <cmath>
 #include <unordered_set>
 
@@ -17,6 +19,8 @@ namespace {
 constexpr const char* baseFormKey = "0";
 /// How many rows are read for one sentence wanted, for some repeat others up to case.
 constexpr std::int64_t rowsPerExample = 4;
+/// How many headwords are looked at for those that are not common, as they come in the index.
+constexpr std::int64_t othersLookedAt = 400;
 
 std::string_view textOrEmpty(const SQLiteDB::Row& row, std::string_view column) {
     return row.text(column).value_or(std::string_view());
@@ -66,6 +70,52 @@ std::optional<std::string> quotedPhrase(std::string_view word) {
     if (phrase.empty()) return std::nullopt;
     return '"' + replacingAll(phrase, "\"", "") + '"';
 }
+
+/// Gathers the suggestions for one prefix.
+class Suggestions {
+public:
+    Suggestions(SQLiteDB& db, int limit) : db(db), limit(limit) {}
+
+    void gather(const TypedPrefix& prefix) {
+        add(DictionarySQL::spellings, {prefix.word, prefix.word, limit});
+        add(DictionarySQL::mostCommonWords, {prefix.lower, prefix.upper, limit});
+        add(DictionarySQL::commonWords, {prefix.lower, prefix.upper, limit});
+        add(DictionarySQL::otherWords,
+            {prefix.lower, prefix.upper, std::max(limit, othersLookedAt), limit});
+    }
+
+    const std::vector<Suggestion>& all() const { return found; }
+
+private:
+    bool isFull() const { return static_cast<std::int64_t>(found.size()) >= limit; }
+
+    /// Adds the rows of a statement as far as there is room. One that fails adds none, so that a
+    /// file without ranks still answers.
+    void add(const std::string& sql, const std::vector<SQLiteDB::Value>& args) {
+        if (isFull()) return;
+        try {
+            for (const SQLiteDB::Row& row : db.query(sql, args)) {
+                if (isFull()) return;
+                add(row);
+            }
+        } catch (const SQLiteDB::Error&) {
+            return;
+        }
+    }
+
+    void add(const SQLiteDB::Row& row) {
+        const std::string_view word = textOrEmpty(row, "word");
+        if (word.empty() || !taken.emplace(word).second) return;
+        auto glosses = lines(textOrEmpty(row, "translation"));
+        found.push_back(
+            {std::string(word), glosses.empty() ? std::string() : std::move(glosses.front())});
+    }
+
+    SQLiteDB& db;
+    std::int64_t limit;
+    std::unordered_set<std::string> taken;
+    std::vector<Suggestion> found;
+};
 
 } // namespace
 
@@ -119,6 +169,17 @@ std::vector<ExampleSentence> OfflineDictionary::examples(std::string_view word, 
         return {};
     }
     return sentences;
+}
+
+std::vector<Suggestion> OfflineDictionary::suggestions(std::string_view prefix, int limit) const {
+    if (limit <= 0) return {};
+    Suggestions suggestions(db, limit);
+    // As it was typed first, for there are headwords such as «e.g.» and «'til».
+    for (const std::string& text : {std::string(prefix), TextUtil::normalizeWord(prefix)}) {
+        if (!suggestions.all().empty()) break;
+        if (const auto typed = typedPrefix(text)) suggestions.gather(*typed);
+    }
+    return suggestions.all();
 }
 
 } // namespace tavik

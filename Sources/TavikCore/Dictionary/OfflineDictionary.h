@@ -14,10 +14,11 @@ namespace tavik {
 /// The read-only English–Chinese dictionary in a file that `tavik-dict` builds.
 ///
 /// Any thread may call it. Only construction and `verify` throw: a failing query reads as not
-/// found, odd column contents read as empty. The file holds three tables and a full-text index:
+/// found, odd column contents read as empty. The file holds four tables and a full-text index:
 ///
 ///     dict(word, phonetic, translation, definition, tag, collins, oxford, exchange)
 ///     lemmas(form, lemma)
+///     ranks(word, rank), which older files lack
 ///     examples(id, en, zh), and examples_fts, whose rowid is examples.id
 class OfflineDictionary {
 public:
@@ -38,6 +39,13 @@ public:
     /// At most `limit` sentences with the word or phrase, translated ones first and among them
     /// those of about 55 characters; no two equal up to case. Chinese comes simplified.
     std::vector<ExampleSentence> examples(std::string_view word, int limit) const;
+
+    /// At most `limit` headwords that begin with `prefix`, whatever its ASCII case: first the word
+    /// itself, then the most common ones, then, as far as they go, others, short ones before long
+    /// ones; no word twice. A blank at the end of `prefix` asks for the word and phrases that begin
+    /// with it. Punctuation at the ends is passed over when nothing begins with it. Text without a
+    /// Latin letter finds nothing.
+    std::vector<Suggestion> suggestions(std::string_view prefix, int limit) const;
 
 private:
     mutable SQLiteDB db;

@@ -28,7 +28,8 @@ std::string askEverything(const std::string& path) {
         const OfflineDictionary dictionary(path);
         std::string answer = dictionary.entry("run") ? "entry " : "";
         answer += dictionary.lemma("mice") + ' ';
-        answer += std::to_string(dictionary.examples("run", 3).size());
+        answer += std::to_string(dictionary.examples("run", 3).size()) + ' ';
+        answer += std::to_string(dictionary.suggestions("r", 3).size());
         try {
             dictionary.verify();
         } catch (const SQLiteDB::Error& error) {
@@ -41,20 +42,20 @@ std::string askEverything(const std::string& path) {
 }
 
 TEST_F(DamagedDictionaryTest, aFileThatIsNoDictionaryAnswersNothingAndSaysSo) {
-    EXPECT_EQ(askEverything(path), "entry mouse 3");
+    EXPECT_EQ(askEverything(path), "entry mouse 3 2");
     EXPECT_EQ(askEverything(directory.file("missing")), "unopened");
 
     const std::string garbage = directory.file("garbage");
     test::writeFile(garbage, std::string(8192, 'x'));
-    EXPECT_EQ(askEverything(garbage), "mice 0 error");
+    EXPECT_EQ(askEverything(garbage), "mice 0 0 error");
 
     const std::string empty = directory.file("empty");
     test::writeFile(empty, "");
-    EXPECT_EQ(askEverything(empty), "mice 0 error");
+    EXPECT_EQ(askEverything(empty), "mice 0 0 error");
 
     const std::string foreign = directory.file("foreign");
     SQLiteDB(foreign, false).execute("CREATE TABLE dict(x); CREATE TABLE examples(y)");
-    EXPECT_EQ(askEverything(foreign), "mice 0 error");
+    EXPECT_EQ(askEverything(foreign), "mice 0 0 error");
 
     EXPECT_EQ(askEverything(directory.path().string()).substr(0, 2), "un");
 }
@@ -71,9 +72,9 @@ TEST_F(DamagedDictionaryTest, aWriteAheadLogFileInAReadOnlyPlaceIsAnErrorNotACra
     SQLiteDB(wal, false).execute("CREATE TABLE more(x)");
     fs::permissions(wal, fs::perms::owner_read | fs::perms::others_read);
     EXPECT_EQ(test::inChild({.unprivileged = true}, [&] { return askEverything(wal); }),
-              "mice 0 error");
+              "mice 0 0 error");
     EXPECT_EQ(test::inChild({.unprivileged = true}, [&] { return askEverything(path); }),
-              "entry mouse 3");
+              "entry mouse 3 2");
 }
 
 TEST_F(DamagedDictionaryTest, noTruncationCrashesTheReader) {

@@ -57,5 +57,24 @@ TEST_F(RealDictionaryTest, examplesHoldTheWordOrOneOfItsForms) {
     }
 }
 
+TEST_F(RealDictionaryTest, commonWordsAndPhrasesAreSuggestedFirst) {
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"a", "a, and, at, "},
+        {"app", "APP, appear, apply, approach, "},
+        {"the", "the, they, "},
+        {"give u", "give up, "},
+        {"don’", "don't, "},
+        {"new yor", "New York, "},
+        {"run", "run, running, "},
+        {"ubiq", "ubiquitous, ubiquity, "},
+        {"polish", "Polish, polished, "}};
+    for (const auto& [typed, expected] : cases) {
+        std::string words;
+        for (const Suggestion& suggestion : dictionary->suggestions(typed, 10))
+            words += suggestion.word + ", ";
+        EXPECT_TRUE(words.starts_with(expected)) << words;
+    }
+}
+
 } // namespace
 } // namespace tavik
