@@ -24,10 +24,11 @@ protected:
         return trust->state().value();
     }
 
-    /// With settings of its own, for it takes a switch back that it cannot keep.
+    /// With settings of its own, for it takes a switch back that it cannot keep. Without the
+    /// display, to all of whose programs it would give its address.
     test::PrivateBus::Program startLauncher() {
         return apart([&] {
-            return bus.start({"/usr/bin/env", "GSETTINGS_BACKEND=memory", launcher,
+            return bus.start({"/usr/bin/env", "-u", "DISPLAY", "GSETTINGS_BACKEND=memory", launcher,
                               "--launch-immediately", "--a11y=1"},
                              "org.a11y.Bus");
         });

@@ -63,6 +63,16 @@ AppEnvironment::AppEnvironment(const fs::path& dataDirectory, AppSettings& setti
     refreshCounts();
 }
 
+AppEnvironment::~AppEnvironment() = default;
+
+ReminderManager& AppEnvironment::reminders() {
+    ReminderHost& host = *this;
+    if (!reminderManager)
+        reminderManager = std::make_unique<ReminderManager>(
+            host, ReminderPorts{ports.notifier, ports.timers, ports.now, ports.calendar});
+    return *reminderManager;
+}
+
 CapturePorts AppEnvironment::capturePorts() {
     const std::weak_ptr<AppEnvironment*> weak = self;
     MainQueue& queue = ports.mainQueue;
@@ -96,20 +106,28 @@ void AppEnvironment::watchStore() {
     });
 }
 
+std::optional<std::int64_t> AppEnvironment::dueCount(Date at) {
+    const int failuresBefore = failureCount;
+    const std::int64_t count = vocabularyStore.dueCount(at);
+    return failureCount == failuresBefore ? std::optional(count) : std::nullopt;
+}
+
 void AppEnvironment::refreshCounts() {
     const int failuresBefore = failureCount;
-    const std::int64_t dueCount = vocabularyStore.dueCount(ports.now());
+    const Date now = ports.now();
+    const std::int64_t dueCards = vocabularyStore.dueCount(now);
     const std::int64_t wordCount = vocabularyStore.wordCount();
     isReadable = failureCount == failuresBefore;
-    due.set(dueCount);
+    due.set(dueCards);
     total.set(wordCount);
+    reminders().reschedule(now);
 }
 
 void AppEnvironment::noteFailure(const SQLiteDB::Error& error) {
     const Date now = ports.now();
     const std::string what = failureText(error);
     trouble.set(BookTrouble{now, what});
-    if (alarm.raise(now)) ports.notifier.notify("Tavik 无法读写生词本", what);
+    if (alarm.raise(now)) ports.notifier.notify({.title = "Tavik 无法读写生词本", .body = what});
 }
 
 std::string AppEnvironment::failureText(const SQLiteDB::Error& error) const {
@@ -120,7 +138,7 @@ void AppEnvironment::tellOfStartOption(const std::string& bundleID) {
     auto told = withStartOptionTold(appSettings.startOptionTold.value(), bundleID);
     if (!told) return;
     appSettings.startOptionTold.set(*std::move(told));
-    ports.notifier.notify("需要启动选项才能读取网页", startOptionHint(bundleID));
+    ports.notifier.notify({.title = "需要启动选项才能读取网页", .body = startOptionHint(bundleID)});
 }
 
 } // namespace tavik

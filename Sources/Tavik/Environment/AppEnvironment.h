@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Calendar.h"
 #include "Base/DataDirectory.h"
 #include "Base/Date.h"
 #include "Base/Published.h"
@@ -18,7 +19,9 @@
 #include "Ports/Pasteboard.h"
 #include "Ports/Processes.h"
 #include "Ports/SpeechSynthesizer.h"
+#include "Ports/Timers.h"
 #include "Ports/Workspace.h"
+#include "Reminders/ReminderManager.h"
 #include "Settings/AppSettings.h"
 #include "Vocabulary/VocabularyStore.h"
 
@@ -43,13 +46,15 @@ struct EnvironmentPorts {
     Pasteboard& pasteboard;
     Processes& processes;
     Appearance& appearance;
+    Timers& timers;
     std::function<Date()> now = currentDate;
+    std::function<Calendar()> calendar = Calendar::current;
     std::filesystem::path captureLog = CaptureLog::standardPath(environmentVariable);
 };
 
 /// Owns the services that every window works with, and publishes what all of them show. One for
 /// the life of the process, on the main thread.
-class AppEnvironment {
+class AppEnvironment final : private ReminderHost {
 public:
     static constexpr const char* bookName = "tavik.sqlite";
 
@@ -66,11 +71,11 @@ public:
                    const std::optional<std::filesystem::path>& dictionaryPath,
                    EnvironmentPorts ports);
 
-    ~AppEnvironment() = default;
+    ~AppEnvironment() override;
     AppEnvironment(const AppEnvironment&) = delete;
     AppEnvironment& operator=(const AppEnvironment&) = delete;
 
-    AppSettings& settings() { return appSettings; }
+    AppSettings& settings() override { return appSettings; }
 
     VocabularyStore& store() { return vocabularyStore; }
 
@@ -95,16 +100,21 @@ public:
 
     Date now() const { return ports.now(); }
 
+    /// The user's.
+    Calendar calendar() const { return ports.calendar(); }
+
     /// Why the book could not be read or written: a Chinese sentence that says what to do.
     std::string failureText(const SQLiteDB::Error& error) const;
+
+    ReminderManager& reminders();
 
     /// Words due and words saved, at the last refresh.
     const Published<std::int64_t>& dueNow() const { return due; }
 
     const Published<std::int64_t>& totalWords() const { return total; }
 
-    /// Counts again. Done by itself after every change of the book.
-    void refreshCounts();
+    /// Counts again and plans the reminder anew. Done by itself after every change of the book.
+    void refreshCounts() override;
 
     /// Whether the counts could be read at the last refresh; else they are 0.
     bool isBookReadable() const { return isReadable; }
@@ -113,6 +123,8 @@ public:
     const Published<std::optional<BookTrouble>>& bookTrouble() const { return trouble; }
 
 private:
+    std::optional<std::int64_t> dueCount(Date at) override;
+
     CapturePorts capturePorts();
     void watchStore();
     void noteFailure(const SQLiteDB::Error& error);
@@ -139,6 +151,7 @@ private:
     SelectionCapture selectionCapture;
     CaptureLog log;
     HTTPSession session;
+    std::unique_ptr<ReminderManager> reminderManager;
     /// The last, as its tasks use the others.
     BackgroundTasks backgroundTasks;
 };

@@ -78,7 +78,7 @@ void Desktop::fillIn() {
     preferenceStore = std::make_unique<JSONPreferenceStore>(preferencesPath(environmentVariable));
     secrets = std::make_unique<SecretServiceKeychain>(mainQueue);
     speechSynthesizer = std::make_unique<SpeechDispatcher>(mainQueue);
-    notifier = std::make_unique<DesktopNotifier>(sessionBus);
+    notifier = std::make_unique<DesktopNotifier>(sessionBus, mainQueue);
     wakeSignal = std::make_unique<LogindWakeSignal>(systemBus, mainQueue);
     trayHosts.push_back(std::make_unique<StatusNotifierHost>(sessionBus, mainQueue));
     trayHosts.push_back(std::make_unique<XEmbedTrayHost>());
@@ -104,7 +104,7 @@ void Desktop::fillInForDiagnosis() {
     preferenceStore = std::make_unique<MemoryPreferenceStore>();
     secrets = std::make_unique<NullKeychain>(mainQueue);
     speechSynthesizer = std::make_unique<NullSpeechSynthesizer>();
-    notifier = std::make_unique<NullNotifier>();
+    notifier = std::make_unique<NullNotifier>(mainQueue);
     wakeSignal = std::make_unique<NullWakeSignal>();
     appearance = std::make_unique<NullAppearance>();
     hotKeyRegistrar = std::make_unique<NullHotKeyRegistrar>();
@@ -122,7 +122,7 @@ ShellPorts Desktop::shellPorts(SingleInstance& singleInstance) {
     for (const auto& host : trayHosts)
         hosts.push_back(host.get());
     return {{mainQueue, *speechSynthesizer, *notifier, *accessibility, *accessibilityTrust,
-             *workspace, *pasteboard, *processes, *appearance},
+             *workspace, *pasteboard, *processes, *appearance, timers},
             hosts,
             *wakeSignal,
             singleInstance,

@@ -3,6 +3,7 @@
 #include "Platform/Linux/DBus/BusConnection.h"
 #include "Platform/Linux/DBus/BusThread.h"
 #include "Platform/Qt/QtMainQueue.h"
+#include "Platform/Qt/QtTimers.h"
 #include "Ports/Accessibility.h"
 #include "Ports/AccessibilityTrust.h"
 #include "Ports/Appearance.h"
@@ -48,6 +49,7 @@ private:
     void fillInKeysAndMouse();
 
     QtMainQueue mainQueue;
+    QtTimers timers;
     BusThread busThread;
     std::shared_ptr<BusConnection> sessionBus;
     std::shared_ptr<BusConnection> systemBus;

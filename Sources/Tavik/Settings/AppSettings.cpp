@@ -32,6 +32,12 @@ double hoverDelayAt(const PreferenceStore& store) {
     return value && *value >= 0 && *value <= longest ? *value : standard;
 }
 
+double momentAt(const PreferenceStore& store, const char* key) {
+    constexpr double farAway = 1e11;
+    const auto value = store.values().number(key);
+    return value && *value >= 0 && *value < farAway ? *value : 0;
+}
+
 /// Writes each new value of a preference through to the store, as the store keeps it.
 template<typename T>
 typename Published<T>::Observer writer(PreferenceStore& store, const char* key) {
@@ -60,6 +66,8 @@ AppSettings::AppSettings(PreferenceStore& defaults, Keychain& keychain, std::str
                    integerWriter(defaults, PreferenceKeys::reminderHour)),
       reminderMinute(integerAt(defaults, PreferenceKeys::reminderMinute, 0, 59),
                      integerWriter(defaults, PreferenceKeys::reminderMinute)),
+      remindedUntil(momentAt(defaults, PreferenceKeys::remindedUntil),
+                    writer<double>(defaults, PreferenceKeys::remindedUntil)),
       schedulerKind(tavik::schedulerKind(defaults.values()),
                     caseWriter<SchedulerKind>(defaults, PreferenceKeys::schedulerKind)),
       desiredRetention(tavik::desiredRetention(defaults.values()),

@@ -56,6 +56,9 @@ public:
     Published<int> reminderHour;
     /// 0 to 59.
     Published<int> reminderMinute;
+    /// The moment up to which reminders have been shown or were not needed, in seconds since 1970;
+    /// 0 if there has been none.
+    Published<double> remindedUntil;
     Published<SchedulerKind> schedulerKind;
     /// The share of words to be remembered when they come back, for FSRS.
     Published<double> desiredRetention;

@@ -126,7 +126,8 @@ void AppDelegate::followHotKey() {
 void AppDelegate::tellOfRefusedHotKey() {
     if (hotKey.isRegistered().value()) return;
     const std::string name = hotKeyName(settings.hotKey.value());
-    ports.environment.notifier.notify("快捷键 " + name + " 用不了", refusedHotKeyNote(name));
+    ports.environment.notifier.notify(
+        {.title = "快捷键 " + name + " 用不了", .body = refusedHotKeyNote(name)});
     updateStatusItem();
 }
 
@@ -172,8 +173,9 @@ void AppDelegate::showCaptured(const Captured& captured, Date start) {
     env->captureLog().write(error, start);
     if (error.kind() == CaptureError::Kind::notTrusted) return showOnboarding();
     ports.environment.notifier.notify(
-        error.what(), "请先选中一个英文单词或短语，再按 " + hotKeyName(settings.hotKey.value())
-                          + "。如果已经选中，可以用 tavik --capture-probe 看看原因。");
+        {.title = error.what(),
+         .body = "请先选中一个英文单词或短语，再按 " + hotKeyName(settings.hotKey.value())
+                 + "。如果已经选中，可以用 tavik --capture-probe 看看原因。"});
 }
 
 void AppDelegate::showOnboarding() {

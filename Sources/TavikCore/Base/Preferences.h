@@ -15,6 +15,7 @@ using PreferenceValue = std::variant<bool, std::int64_t, double, std::string>;
 namespace PreferenceKeys {
 
 inline constexpr const char* hotKey = "hotKey";
+inline constexpr const char* remindedUntil = "remindedUntil";
 inline constexpr const char* reminderEnabled = "reminderEnabled";
 inline constexpr const char* reminderHour = "reminderHour";
 inline constexpr const char* reminderMinute = "reminderMinute";

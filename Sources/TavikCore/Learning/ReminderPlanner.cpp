@@ -6,13 +6,14 @@ namespace {
 /// At 12 seconds a word.
 constexpr std::int64_t wordsPerMinute = 5;
 
-std::string body(std::int64_t count) {
-    const std::int64_t minutes = count / wordsPerMinute + (count % wordsPerMinute > 0 ? 1 : 0);
-    return "今天有 " + std::to_string(count) + " 个生词该复习了，大约 " + std::to_string(minutes)
+} // namespace
+
+std::string body(std::int64_t dueCount) {
+    const std::int64_t minutes =
+        dueCount / wordsPerMinute + (dueCount % wordsPerMinute > 0 ? 1 : 0);
+    return "今天有 " + std::to_string(dueCount) + " 个生词该复习了，大约 " + std::to_string(minutes)
            + " 分钟。";
 }
-
-} // namespace
 
 Date nextFireDate(Date after, int hour, int minute, const Calendar& calendar) {
     Calendar::Day day = calendar.wallTime(after).day;
@@ -30,7 +31,7 @@ std::optional<Plan> plan(Date now, int hour, int minute,
     const Date fireDate = nextFireDate(now, hour, minute, calendar);
     const std::int64_t count = dueCount(fireDate);
     if (count < 1) return std::nullopt;
-    return Plan{fireDate, count, "Tavik 生词复习", body(count)};
+    return Plan{fireDate, count, title, body(count)};
 }
 
 } // namespace tavik::ReminderPlanner

@@ -11,6 +11,11 @@
 /// Decides when the daily reminder comes and what it says. Pure functions.
 namespace tavik::ReminderPlanner {
 
+inline constexpr const char* title = "Tavik 生词复习";
+
+/// What a reminder says when so many cards are due.
+std::string body(std::int64_t dueCount);
+
 struct Plan {
     Date fireDate;
     /// How many cards will be due then.

@@ -75,7 +75,7 @@ TEST_F(AppEnvironmentTest, aBookThatFailsIsToldOfOnceAnHourAndRemembered) {
     queue.runAll();
     EXPECT_FALSE(made.isBookReadable());
     ASSERT_EQ(notifier.notifications.size(), 1U);
-    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("生词本 "));
+    EXPECT_THAT(notifier.notifications.front().body, HasSubstr("生词本 "));
     now += std::chrono::minutes(59);
     EXPECT_ANY_THROW(test::addWord(made.store(), "two"));
     queue.runAll();
@@ -136,9 +136,9 @@ TEST_F(AppEnvironmentTest, aStartOptionIsToldOfOnceForEachProgram) {
     };
     captureFrom("Google-chrome");
     ASSERT_EQ(notifier.notifications.size(), 1U);
-    EXPECT_EQ(notifier.notifications.front().first, "需要启动选项才能读取网页");
-    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("「Google-chrome」"));
-    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("--force-renderer-accessibility"));
+    EXPECT_EQ(notifier.notifications.front().title, "需要启动选项才能读取网页");
+    EXPECT_THAT(notifier.notifications.front().body, HasSubstr("「Google-chrome」"));
+    EXPECT_THAT(notifier.notifications.front().body, HasSubstr("--force-renderer-accessibility"));
     captureFrom("google-chrome");
     EXPECT_EQ(notifier.notifications.size(), 1U);
     captureFrom("google-chrome\nbeta");

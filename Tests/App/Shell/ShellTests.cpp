@@ -198,8 +198,8 @@ TEST_F(HotKeyTest, whoSelectedNothingOrGaveNoLeaveIsToldWhatToDo) {
     delegate.finishLaunching();
     hotKeys.press();
     EXPECT_TRUE(runUntil([this] { return !notifier.notifications.empty(); }));
-    EXPECT_EQ(notifier.notifications.front().first, "没有读取到选中的文字");
-    EXPECT_THAT(notifier.notifications.front().second, HasSubstr("⌥D（Alt+D）"));
+    EXPECT_EQ(notifier.notifications.front().title, "没有读取到选中的文字");
+    EXPECT_THAT(notifier.notifications.front().body, HasSubstr("⌥D（Alt+D）"));
     trust.current.set(AccessibilityTrust::State::notTrusted);
     EXPECT_THAT(rowTitles(),
                 Contains("⚠️ 未授权辅助功能，无法划词 — 点此设置"));

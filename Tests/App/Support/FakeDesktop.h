@@ -29,8 +29,15 @@ struct FakeDesktop {
                 pasteboard,
                 processes,
                 appearance,
+                timers,
                 [this] { return now; },
+                [this] { return calendar; },
                 directory.file("capture.log")};
+    }
+
+    /// Time passes, on the clock too.
+    void pass(std::chrono::duration<double> time) {
+        timers.advance(time, [this](std::chrono::duration<double> part) { now += part; });
     }
 
     ShellPorts shellPorts() {
@@ -60,6 +67,8 @@ struct FakeDesktop {
     FakePasteboard pasteboard;
     FakeProcesses processes;
     FakeAppearance appearance;
+    FakeTimers timers;
+    Calendar calendar{"Asia/Shanghai"};
     FakeTrayHost tray;
     FakeWakeSignal wakeSignal;
     FakeSingleInstance instance;

@@ -8,12 +8,16 @@
 #include "Ports/Notifier.h"
 #include "Ports/SingleInstance.h"
 #include "Ports/SpeechSynthesizer.h"
+#include "Ports/Timers.h"
 #include "Ports/TrayHost.h"
 #include "Ports/WakeSignal.h"
 #include "Ports/WindowSystem.h"
 
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -98,11 +102,56 @@ public:
 
 class RecordingNotifier final : public Notifier {
 public:
-    void notify(const std::string& title, const std::string& body) override {
-        notifications.emplace_back(title, body);
+    void notify(const Notification& notification) override {
+        notifications.push_back(notification);
     }
 
-    std::vector<std::pair<std::string, std::string>> notifications;
+    void authorizationStatus(std::function<void(AuthorizationStatus)> done) override {
+        questions.push_back(std::move(done));
+    }
+
+    void setOnResponse(std::function<void(const std::string& identifier)> handler) override {
+        respond = std::move(handler);
+    }
+
+    void answerAll(AuthorizationStatus status) {
+        for (const auto& done : std::exchange(questions, {}))
+            done(status);
+    }
+
+    std::vector<Notification> notifications;
+    std::vector<std::function<void(AuthorizationStatus)>> questions;
+    std::function<void(const std::string& identifier)> respond;
+};
+
+/// Time that passes when the test says so.
+class FakeTimers final : public Timers {
+public:
+    using Seconds = std::chrono::duration<double>;
+
+    Subscription after(Seconds delay, std::function<void()> task) override {
+        auto kept = std::make_shared<std::function<void()>>(std::move(task));
+        waiting.emplace(elapsed + std::max(delay, Seconds::zero()), kept);
+        return Subscription(std::move(kept));
+    }
+
+    /// Calls what is due within `time`, in its order; `pass` is told of each bit of time before.
+    void advance(Seconds time, const std::function<void(Seconds)>& pass) {
+        const Seconds end = elapsed + time;
+        while (!waiting.empty() && waiting.begin()->first <= end) {
+            const auto [due, weak] = *waiting.begin();
+            waiting.erase(waiting.begin());
+            const auto task = weak.lock();
+            if (!task) continue;
+            pass(due - std::exchange(elapsed, due));
+            (*task)();
+        }
+        pass(end - std::exchange(elapsed, end));
+    }
+
+private:
+    Seconds elapsed{0};
+    std::multimap<Seconds, std::weak_ptr<std::function<void()>>> waiting;
 };
 
 class FakeTrayHost final : public TrayHost {

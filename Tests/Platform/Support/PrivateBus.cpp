@@ -16,15 +16,25 @@ std::vector<std::string> tool(const std::string& name, const std::vector<std::st
     return joined({TAVIK_DESKTOP_TOOLS "/" + name}, words);
 }
 
+/// The configuration of a bus with one more folder of what it can start.
+std::string withServices(std::string configuration, const std::string& services) {
+    const std::string end = "</busconfig>";
+    return configuration.replace(configuration.rfind(end), std::string::npos,
+                                 "<servicedir>" + services + "</servicedir>\n" + end);
+}
+
 } // namespace
 
 PrivateBus::PrivateBus() {
     const char* session = std::getenv("TAVIK_SESSION");
     if (session == nullptr) throw std::runtime_error("run this by Tools/Desktop/session");
+    std::filesystem::create_directory(folder.file("services"));
+    writeFile(folder.file("bus.conf"),
+              withServices(readFile(std::string(session) + "/bus.conf"), folder.file("services")));
     daemon = std::make_unique<BackgroundProgram>(
-        std::vector<std::string>{
-            "dbus-daemon", "--config-file=" + std::string(session) + "/bus.conf",
-            "--address=" + address(), "--nofork", "--nopidfile", "--nosyslog", "--print-address"},
+        std::vector<std::string>{"dbus-daemon", "--config-file=" + folder.file("bus.conf"),
+                                 "--address=" + address(), "--nofork", "--nopidfile", "--nosyslog",
+                                 "--print-address"},
         folder.file("output"));
     // It tells its address once it accepts connections, which is later than its socket exists.
     awaitText(address(), folder.file("output"));
@@ -35,6 +45,15 @@ PrivateBus::Program PrivateBus::start(const std::vector<std::string>& command,
     auto program = std::make_unique<BackgroundProgram>(onThisBus(command));
     waitFor({"bus-name", name});
     return program;
+}
+
+void PrivateBus::makeStartable(const std::vector<std::string>& command,
+                               const std::string& name) const {
+    std::string service = "[D-BUS Service]\nName=" + name + "\nExec=";
+    for (const std::string& word : command)
+        service += word + ' ';
+    writeFile(folder.path() / "services" / (name + ".service"), service + '\n');
+    tell("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.ReloadConfig", {});
 }
 
 PrivateBus::Program PrivateBus::startDaemon(const std::vector<std::string>& words) const {

@@ -11,7 +11,7 @@
 namespace tavik::test {
 
 /// A message bus of one test, and the programs on it, for which it is the session's bus and the
-/// machine's. It starts no program by itself.
+/// machine's. It starts no program by itself but those of `makeStartable`.
 class PrivateBus {
 public:
     using Program = std::unique_ptr<BackgroundProgram>;
@@ -29,6 +29,10 @@ public:
 
     /// Starts a program and returns once it owns the name.
     Program start(const std::vector<std::string>& command, const std::string& name) const;
+
+    /// Lets the bus start a program for whoever calls that name. It has to end by itself when the
+    /// bus does; no word may hold spaces.
+    void makeStartable(const std::vector<std::string>& command, const std::string& name) const;
 
     /// Starts a daemon of the private desktop and returns once it is ready.
     Program startDaemon(const std::vector<std::string>& words) const;
