@@ -5,9 +5,9 @@
 #include "UI/Widgets/Fonts.h"
 #include "UI/Widgets/Icons.h"
 #include "UI/Widgets/Labels.h"
+#include "UI/Widgets/TextField.h"
 #include "UI/Widgets/ThinScrollBar.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -50,8 +50,8 @@ QLabel* centered(QLabel* label) {
 
 VocabularyView::VocabularyView(std::shared_ptr<VocabularyModel> model, WordActions actions)
     : shown(std::move(model)), model(*shown), actions(std::move(actions)),
-      colors(&currentTheme(this->model.environment().prefersDark().value())), rows(this->model),
-      cells(*colors), pages(new QStackedWidget),
+      themeFollower(*this, this->model.environment().prefersDark(), [this] { refresh(); }),
+      colors(&themeFollower.theme()), rows(this->model), cells(*colors), pages(new QStackedWidget),
       detail(new WordDetail(
           this->model, this->actions, [this] { deleteRow(); }, *colors)),
       tableExport(this->model.environment().tasks(), *this) {
@@ -88,13 +88,8 @@ QLayout* VocabularyView::makeHeader() {
     matches = new Badge(&Theme::green, *colors);
     message = textLabel({}, FontSizes::secondary, QPalette::PlaceholderText);
     message->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    field = new QLineEdit;
-    field->setFont(uiFont(FontSizes::body));
-    field->setPlaceholderText(QStringLiteral("搜索单词、释义或原句"));
-    field->setAccessibleName(QStringLiteral("搜索单词、释义或原句"));
-    field->setClearButtonEnabled(true);
-    for (auto* const clear : field->findChildren<QAbstractButton*>())
-        clear->setAccessibleName(QStringLiteral("清空搜索"));
+    field = textField(QStringLiteral("搜索单词、释义或原句"), QStringLiteral("清空搜索"),
+                      FontSizes::body);
     field->setMaximumWidth(fieldWidth);
     field->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     field->installEventFilter(this);
@@ -199,12 +194,6 @@ void VocabularyView::followBook() {
             value->observe([this](std::int64_t) { reloadTimer.start(bookPatience); }));
     subscriptions.push_back(
         env.settings().hotKey.observe([this](const HotKeyCombo&) { refreshTimer.start(0); }));
-    subscriptions.push_back(env.prefersDark().observe([this](bool) { refreshTimer.start(0); }));
-}
-
-void VocabularyView::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) refreshTimer.start(0);
 }
 
 void VocabularyView::showEvent(QShowEvent* event) {
@@ -391,17 +380,14 @@ void VocabularyView::refreshEmptyStates() {
 }
 
 void VocabularyView::applyTheme() {
-    colors = &currentTheme(model.environment().prefersDark().value());
+    colors = &themeFollower.theme();
     if (std::exchange(appliedTheme, colors) == colors) return;
     setPalette(colors->palette());
     cells.setTheme(*colors);
     detail->setTheme(*colors);
     for (Badge* const badge : {total, due, matches})
         badge->setTheme(*colors);
-    field->setStyleSheet(
-        QStringLiteral("QLineEdit { background: %1; border: 1px solid %2; border-radius: 7px;"
-                       " padding: 5px 8px; } QLineEdit:focus { border-color: %3; }")
-            .arg(colors->section.name(), colors->controlBorder.name(), colors->accent.name()));
+    setThemeOfField(*field, *colors);
 }
 
 } // namespace tavik

@@ -7,6 +7,7 @@
 #include "UI/Browser/WordDetail.h"
 #include "UI/Review/WordActions.h"
 #include "UI/Widgets/Badge.h"
+#include "UI/Widgets/ThemeFollower.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -37,7 +38,6 @@ public:
     QMenu* makeMenu(bool isForRow);
 
 protected:
-    void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -66,6 +66,7 @@ private:
     std::shared_ptr<VocabularyModel> shown;
     VocabularyModel& model;
     WordActions actions;
+    ThemeFollower themeFollower;
     const Theme* colors;
     const Theme* appliedTheme = nullptr;
     VocabularyTable rows;

@@ -42,8 +42,8 @@ QString number(std::int64_t value) {
 
 ReviewView::ReviewView(std::shared_ptr<ReviewModel> model, WordActions actions)
     : shown(std::move(model)), model(*shown), actions(std::move(actions)),
-      colors(&currentTheme(this->model.environment().prefersDark().value())),
-      pages(new QStackedWidget), choices(new QStackedWidget) {
+      themeFollower(*this, this->model.environment().prefersDark(), [this] { refresh(); }),
+      colors(&themeFollower.theme()), pages(new QStackedWidget), choices(new QStackedWidget) {
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(true);
     const QSize room = screen()->availableGeometry().size() * 9 / 10;
@@ -73,7 +73,6 @@ ReviewView::ReviewView(std::shared_ptr<ReviewModel> model, WordActions actions)
         env.settings().schedulerKind.observe([change](SchedulerKind) { change(); }));
     subscriptions.push_back(
         env.settings().desiredRetention.observe([change](double) { change(); }));
-    subscriptions.push_back(env.prefersDark().observe([change](bool) { change(); }));
     refresh();
 }
 
@@ -170,11 +169,6 @@ QWidget* ReviewView::makeSummary() {
     layout->addWidget(close, 0, Qt::AlignHCenter);
     layout->addStretch(1);
     return summary;
-}
-
-void ReviewView::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::ApplicationPaletteChange) refreshTimer.start(0);
 }
 
 void ReviewView::showEvent(QShowEvent* event) {
@@ -277,7 +271,7 @@ void ReviewView::refreshSummary() {
 }
 
 void ReviewView::applyTheme() {
-    colors = &currentTheme(model.environment().prefersDark().value());
+    colors = &themeFollower.theme();
     if (std::exchange(appliedTheme, colors) == colors) return;
     setPalette(colors->palette());
     encounter->setTheme(*colors);

@@ -8,7 +8,7 @@
 #include "UI/Widgets/ActionButton.h"
 #include "UI/Widgets/Paragraph.h"
 #include "UI/Widgets/ProgressLine.h"
-#include "UI/Widgets/Theme.h"
+#include "UI/Widgets/ThemeFollower.h"
 
 #include <QLabel>
 #include <QScrollArea>
@@ -30,7 +30,6 @@ public:
     ReviewView(std::shared_ptr<ReviewModel> model, WordActions actions);
 
 protected:
-    void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -54,6 +53,7 @@ private:
     std::shared_ptr<ReviewModel> shown;
     ReviewModel& model;
     WordActions actions;
+    ThemeFollower themeFollower;
     const Theme* colors;
     const Theme* appliedTheme = nullptr;
     QLabel* count = nullptr;

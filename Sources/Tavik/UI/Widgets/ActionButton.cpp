@@ -1,5 +1,6 @@
 #include "UI/Widgets/ActionButton.h"
 
+#include "UI/Widgets/CheckBox.h"
 #include "UI/Widgets/Fonts.h"
 #include "UI/Widgets/Icons.h"
 
@@ -73,15 +74,16 @@ QSize ActionButton::minimumSizeHint() const {
 
 QColor ActionButton::ground() const {
     const bool isPointedAt = underMouse() && isEnabled();
+    if (style == Style::primary && !isEnabled()) return colors->section;
     if (style == Style::primary) return isPointedAt ? colors->accentFillHover : colors->accentFill;
     if (isDown()) return colors->section;
     return isPointedAt ? colors->hover : QColor(Qt::transparent);
 }
 
 QColor ActionButton::foreground() const {
+    if (style == Style::iconOnly || !isEnabled()) return colors->secondaryText;
     if (style == Style::primary) return colors->onAccent;
-    if (style == Style::destructive) return colors->danger;
-    return style == Style::iconOnly || !isEnabled() ? colors->secondaryText : colors->text;
+    return style == Style::destructive ? colors->danger : colors->text;
 }
 
 void ActionButton::paintFocus(QPainter& painter, const QRectF& whole) const {
@@ -148,7 +150,10 @@ void ActionButton::keyPressEvent(QKeyEvent* event) {
 void setThemeOfButtons(const QWidget& parent, const Theme& theme) {
     // Qt tells only those classes apart that have a meta-object of their own.
     for (auto* const child : parent.findChildren<QAbstractButton*>())
-        if (auto* const button = dynamic_cast<ActionButton*>(child)) button->setTheme(theme);
+        if (auto* const button = dynamic_cast<ActionButton*>(child))
+            button->setTheme(theme);
+        else if (auto* const box = dynamic_cast<CheckBox*>(child))
+            box->setTheme(theme);
 }
 
 } // namespace tavik

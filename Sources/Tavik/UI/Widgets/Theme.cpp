@@ -61,6 +61,8 @@ QPalette Theme::palette() const {
     palette.setColor(QPalette::PlaceholderText, secondaryText);
     palette.setColor(QPalette::ToolTipBase, section);
     palette.setColor(QPalette::ToolTipText, text);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, secondaryText);
     return palette;
 }
 
