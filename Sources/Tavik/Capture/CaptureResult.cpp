@@ -9,9 +9,11 @@ const char* text(CaptureMethod method) {
     case CaptureMethod::axText:
         return "ax-text";
     case CaptureMethod::clipboard:
+        return "clipboard";
+    case CaptureMethod::manual:
         break;
     }
-    return "clipboard";
+    return "manual";
 }
 
 } // namespace tavik

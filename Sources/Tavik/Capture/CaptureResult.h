@@ -8,10 +8,10 @@
 
 namespace tavik {
 
-/// Which reader produced a text.
-enum class CaptureMethod { axMarker, axText, clipboard };
+/// Which reader produced a text; `manual` is the user at the keyboard.
+enum class CaptureMethod { axMarker, axText, clipboard, manual };
 
-/// "ax-marker", "ax-text" or "clipboard".
+/// "ax-marker", "ax-text", "clipboard" or "manual".
 const char* text(CaptureMethod method);
 
 /// What the user has selected, and where.
