@@ -27,9 +27,9 @@ nlohmann::json measure(PaintClock& clock, std::size_t words, std::size_t rounds)
     Desktop desktop(true);
     AppSettings settings(desktop.preferences(), desktop.keychain(),
                          AppSettings::standardKeychainAccount);
-    AppEnvironment env(data, settings, AppEnvironment::defaultDictionaryPath(),
-                       desktop.shellPorts(instance).environment);
-    BrowserTrial trial(clock, env);
+    const ShellPorts ports = desktop.shellPorts(instance);
+    AppEnvironment env(data, settings, AppEnvironment::defaultDictionaryPath(), ports.environment);
+    BrowserTrial trial(clock, env, ports.windowSystem);
     nlohmann::json report{{"words", words}};
     report["open"] = trial.open(openings);
     report["keys"] = trial.type(rounds);

@@ -65,7 +65,8 @@ QRect handleOf(const QScrollBar& bar) {
 
 } // namespace
 
-BrowserTrial::BrowserTrial(PaintClock& clock, AppEnvironment& env) : clock(clock), env(env) {
+BrowserTrial::BrowserTrial(PaintClock& clock, AppEnvironment& env, WindowSystem& windowSystem)
+    : clock(clock), env(env), windows(windowSystem) {
     clock.onPaint([this](const QObject& painting) {
         if (&painting != field || field->text() == seenText) return;
         seenText = field->text();

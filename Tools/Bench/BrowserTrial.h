@@ -32,7 +32,7 @@ public:
 
     /// Both must outlive the trial. Throws `std::runtime_error` when the server lets nobody press
     /// keys.
-    BrowserTrial(PaintClock& clock, AppEnvironment& env);
+    BrowserTrial(PaintClock& clock, AppEnvironment& env, WindowSystem& windowSystem);
     ~BrowserTrial() = default;
     BrowserTrial(const BrowserTrial&) = delete;
     BrowserTrial& operator=(const BrowserTrial&) = delete;

@@ -1,9 +1,12 @@
 #include "Main/Desktop.h"
 #include "Platform/Linux/Process/SocketInstance.h"
 #include "UI/Browser/VocabularyView.h"
+#include "UI/Quick/QuickView.h"
 #include "UI/Review/ReviewView.h"
+#include "UI/Settings/SettingsView.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QTemporaryDir>
 #include <functional>
@@ -73,10 +76,12 @@ public:
     void paint() {
         browser("browser-empty", "", false);
         review("review-none", [](ReviewModel&) {});
+        settings("settings-nothing-due");
         const Date now = currentDate();
         for (int day = 0; const Meeting& met : meetings())
             save(env, met, now - std::chrono::hours(24 * ++day));
         env.refreshCounts();
+        settings("settings");
         review("review-question", [](ReviewModel&) {});
         for (int count = 0; count < 6; ++count)
             review("review-answer-" + std::to_string(count), [count](ReviewModel& model) {
@@ -84,6 +89,11 @@ public:
                     model.rate(Rating::good);
                 model.reveal();
             });
+        quick("quick", "", "");
+        quick("quick-unread", "没有读取到选中的文字。请先选中单词，再按 ⌥D（Alt+D），或在此输入。",
+              "app");
+        quick("quick-phrase", "", "give u");
+        quick("quick-no-match", "", "zzyzx");
         browser("browser-no-match", "zzyzx", false);
         browser("browser-chosen", "", true);
         browser("browser-search", "pneu", true);
@@ -103,6 +113,18 @@ private:
         const auto model = std::make_shared<ReviewModel>(env);
         prepare(*model);
         ReviewView view(model, actions);
+        picture(view, name);
+    }
+
+    void quick(const std::string& name, const std::string& note, const std::string& typed) {
+        QuickView view(env, {[](const CaptureResult&) {}, [] {}}, note, typed);
+        QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+        if (!note.empty()) QApplication::sendEvent(view.findChild<QLineEdit*>(), &down);
+        picture(view, name);
+    }
+
+    void settings(const std::string& name) {
+        SettingsView view(env, [] {});
         picture(view, name);
     }
 
@@ -140,8 +162,7 @@ int paintGallery(const std::string& folder) {
 } // namespace
 } // namespace tavik
 
-/// Paints the windows of review and of the book in all their states into the folder that is named,
-/// at QT_SCALE_FACTOR.
+/// Paints the windows in all their states into the folder that is named, at QT_SCALE_FACTOR.
 int main(int argumentCount, char** arguments) {
     const QApplication application(argumentCount, arguments);
     const std::span all(arguments, static_cast<std::size_t>(argumentCount));

@@ -16,8 +16,8 @@ struct Screen {
     double scale = 1;
 };
 
-/// What small windows of ours, which no window manager cares for, need of the window system. For
-/// the main thread; as quick as the window system.
+/// What windows of ours need of the window system, above all the small ones that no window manager
+/// cares for. For the main thread; as quick as the window system.
 class WindowSystem {
 public:
     virtual ~WindowSystem() = default;
@@ -41,6 +41,10 @@ public:
     /// Before the window is hidden: gives the keyboard back to whom it was taken from, if the
     /// window still has it.
     virtual void returnKeyboard(std::uint32_t window) = 0;
+
+    /// Asks the window manager to bring a window of ours that it cares for to the front, with the
+    /// keyboard, because the user wants it.
+    virtual void bringToFront(std::uint32_t window) = 0;
 };
 
 } // namespace tavik

@@ -5,7 +5,9 @@
 #include "Shell/BookAlert.h"
 #include "Shell/StatusTexts.h"
 #include "UI/Browser/VocabularyView.h"
+#include "UI/Quick/QuickView.h"
 #include "UI/Review/ReviewView.h"
+#include "UI/Settings/SettingsView.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -24,13 +26,16 @@ constexpr std::chrono::milliseconds focusDelay{80};
 /// Until a refusal is told of, as it may be over soon, and no answer at all counts as one.
 constexpr std::chrono::seconds refusalPatience{5};
 constexpr std::chrono::minutes answerPatience{2};
+constexpr const char* quickWindow = "quick";
 constexpr const char* reviewWindow = "review";
+constexpr const char* settingsWindow = "settings";
 constexpr const char* vocabularyWindow = "vocab";
 
 } // namespace
 
 AppDelegate::AppDelegate(AppSettings& settings, ShellPorts ports)
-    : settings(settings), ports(std::move(ports)), hotKey(this->ports.hotKeyRegistrar) {}
+    : settings(settings), ports(std::move(ports)), hotKey(this->ports.hotKeyRegistrar),
+      windows(this->ports.windowSystem) {}
 
 AppDelegate::~AppDelegate() {
     ports.wakeSignal.setOnWake({});
@@ -50,6 +55,7 @@ void AppDelegate::finishLaunching() {
     if (settings.onboardingDone.value()) ports.environment.accessibilityTrust.enable();
     popup = std::make_unique<PopupController>(*env, ports.windowSystem, ports.mouse);
     popup->setOnVideo(showVideo);
+    env->reminders().setOnOpenReview([this] { showReview(); });
     statusItem = std::make_unique<StatusItem>(
         ports.trayHosts, [this] { return menuRows(); }, [this] { showProgram(); });
     hotKeyTimer.setSingleShot(true);
@@ -69,6 +75,7 @@ void AppDelegate::finishLaunching() {
     for (const TrayHost* const host : ports.trayHosts)
         follow(host->presence());
     QObject::connect(&dayTimer, &QTimer::timeout, [this] { refresh(); });
+    dayTimer.setTimerType(Qt::PreciseTimer);
     dayTimer.start(std::chrono::minutes(1));
     ports.wakeSignal.setOnWake([this] { refresh(); });
     ports.singleInstance.setOnShow([this] { showProgram(); });
@@ -93,10 +100,12 @@ std::vector<MenuRow> AppDelegate::menuRows() {
     if (!isTrusted()) rows.push_back({untrustedRow, 0, false, [this] { showOnboarding(); }});
     rows.push_back({lookupRow(display(settings.hotKey.value()), !isHotKeyRefused()), 0,
                     !isTrusted(), [this] { menuLookupSelection(); }});
+    rows.push_back({"输入查词…", 'l', false, [this] { showQuickLookup(); }});
     rows.push_back({reviewRow(env->dueNow().value()), 'r', true, [this] { showReview(); }});
     rows.push_back(
         {vocabularyRow(env->totalWords().value()), 'v', false, [this] { showVocabulary(); }});
-    rows.push_back({"退出 Tavik", 'q', true, [] { QCoreApplication::quit(); }});
+    rows.push_back({"设置…", ',', true, [this] { showSettings(); }});
+    rows.push_back({"退出 Tavik", 'q', false, [] { QCoreApplication::quit(); }});
     return rows;
 }
 
@@ -171,11 +180,28 @@ void AppDelegate::showCaptured(const Captured& captured, Date start) {
     }
     const auto& error = std::get<CaptureError>(captured);
     env->captureLog().write(error, start);
-    if (error.kind() == CaptureError::Kind::notTrusted) return showOnboarding();
-    ports.environment.notifier.notify(
-        {.title = error.what(),
-         .body = "请先选中一个英文单词或短语，再按 " + hotKeyName(settings.hotKey.value())
-                 + "。如果已经选中，可以用 tavik --capture-probe 看看原因。"});
+    showQuickLookup(unreadSelectionNote(error, hotKeyName(settings.hotKey.value())));
+}
+
+void AppDelegate::showQuickLookup(const std::string& note) {
+    // What was typed into one that is still there is not lost.
+    const auto* const former = dynamic_cast<QuickView*>(windows.window(quickWindow));
+    const std::string typed = former && former->isVisible() ? former->typed() : "";
+    windows.present(
+        quickWindow,
+        {.title = QStringLiteral("Tavik 查词"), .isRecreated = true, .isFloating = true}, [&] {
+            return std::make_unique<QuickView>(
+                *env,
+                QuickActions{
+                    .onLookup = [this](const CaptureResult& result) { lookUpTyped(result); },
+                    .onClose = [this] { windows.window(quickWindow)->close(); }},
+                note, typed);
+        });
+}
+
+void AppDelegate::lookUpTyped(const CaptureResult& typed) {
+    windows.window(quickWindow)->close();
+    QTimer::singleShot(focusDelay, &dayTimer, [this, typed] { popup->show(typed, false); });
 }
 
 void AppDelegate::showOnboarding() {
@@ -201,6 +227,7 @@ void AppDelegate::showOnboarding() {
     onboarding->show();
     onboarding->raise();
     onboarding->activateWindow();
+    ports.windowSystem.bringToFront(static_cast<std::uint32_t>(onboarding->winId()));
 }
 
 WordActions AppDelegate::wordActions(const std::string& window) {
@@ -225,6 +252,14 @@ void AppDelegate::showVocabulary() {
         return std::make_unique<VocabularyView>(std::make_shared<VocabularyModel>(*env),
                                                 wordActions(vocabularyWindow));
     });
+}
+
+void AppDelegate::showSettings() {
+    windows.present(settingsWindow, {.title = QStringLiteral("Tavik 设置"), .isRecreated = true},
+                    [this] {
+                        return std::make_unique<SettingsView>(
+                            *env, [this] { windows.window(settingsWindow)->close(); });
+                    });
 }
 
 void AppDelegate::showVideo(const std::string& word) {
@@ -259,9 +294,10 @@ void AppDelegate::updateStatusItem() {
 
 void AppDelegate::showProgram() {
     env->refreshCounts();
-    if (!programWindow) programWindow = std::make_unique<ProgramWindow>();
+    if (!programWindow) programWindow = std::make_unique<ProgramWindow>(env->prefersDark());
     programWindow->display(programState(), menuRows());
     programWindow->present();
+    ports.windowSystem.bringToFront(static_cast<std::uint32_t>(programWindow->winId()));
 }
 
 } // namespace tavik

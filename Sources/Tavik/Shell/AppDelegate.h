@@ -70,10 +70,15 @@ public:
     /// Asks whether other applications may be read.
     void showOnboarding();
 
+    /// Asks for a word to look up. `note` says why, where the user has not asked for it.
+    void showQuickLookup(const std::string& note = {});
+
     /// Begins a new session of review.
     void showReview();
 
     void showVocabulary();
+
+    void showSettings();
 
     /// Opens clips with the word.
     static void showVideo(const std::string& word);
@@ -89,6 +94,7 @@ private:
     void followHotKey();
     void tellOfRefusedHotKey();
     void lookupSelection();
+    void lookUpTyped(const CaptureResult& typed);
     void showCaptured(const Captured& captured, Date start);
     bool isOfLate(const BookTrouble& trouble) const;
     ProgramState programState() const;

@@ -62,12 +62,14 @@ void clear(QLayout& layout) {
 
 } // namespace
 
-ProgramWindow::ProgramWindow()
-    : summary(label({}, uiFont(FontSizes::body))), notes(new QVBoxLayout),
+ProgramWindow::ProgramWindow(const Published<bool>& prefersDark)
+    : themeFollower(*this, prefersDark, [this] { setPalette(themeFollower.theme().palette()); }),
+      summary(label({}, uiFont(FontSizes::body))), notes(new QVBoxLayout),
       buttons(new QVBoxLayout) {
     setWindowTitle(QStringLiteral("Tavik"));
     setWindowIcon(icon(drawing));
     setFocusPolicy(Qt::StrongFocus);
+    setPalette(themeFollower.theme().palette());
     summary->setMinimumWidth(contentWidth);
     notes->setSpacing(8);
     buttons->setSpacing(8);

@@ -2,6 +2,7 @@
 
 #include "Shell/MenuRow.h"
 #include "Shell/ProgramNotes.h"
+#include "UI/Widgets/ThemeFollower.h"
 
 #include <QWidget>
 #include <string>
@@ -16,7 +17,8 @@ namespace tavik {
 /// desktop without a tray. Closing it leaves the program running.
 class ProgramWindow final : public QWidget {
 public:
-    ProgramWindow();
+    /// The value must outlive the window.
+    explicit ProgramWindow(const Published<bool>& prefersDark);
 
     /// Shows the state and the rows anew.
     void display(const ProgramState& state, const std::vector<MenuRow>& rows);
@@ -28,6 +30,7 @@ private:
     void showNotes(const std::vector<std::string>& texts);
     void showRows(const std::vector<MenuRow>& rows);
 
+    ThemeFollower themeFollower;
     QLabel* summary;
     QVBoxLayout* notes;
     QVBoxLayout* buttons;

@@ -31,6 +31,13 @@ std::string hotKeyName(const HotKeyCombo& combo) {
     return display(combo) + "（" + localName(combo) + "）";
 }
 
+std::string unreadSelectionNote(const CaptureError& error, const std::string& hotKeyName) {
+    const std::string what = error.what();
+    if (error.kind() == CaptureError::Kind::notTrusted)
+        return what + "。可以在托盘菜单里开启，或在此输入。";
+    return what + "。请先选中单词，再按 " + hotKeyName + "，或在此输入。";
+}
+
 std::string refusedHotKeyNote(const std::string& hotKeyName) {
     return "快捷键 " + hotKeyName
            + " 被其他程序占用，或者桌面没有同意。选中单词后，可以从托盘菜单或 Tavik "

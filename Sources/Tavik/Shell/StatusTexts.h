@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Capture/CaptureError.h"
 #include "Settings/HotKeyCombo.h"
 
 #include <cstdint>
@@ -27,6 +28,9 @@ std::string vocabularyRow(std::int64_t totalWords);
 
 /// The hot key with this desktop's name for it: "⌥D（Alt+D）".
 std::string hotKeyName(const HotKeyCombo& combo);
+
+/// Why a word has to be typed.
+std::string unreadSelectionNote(const CaptureError& error, const std::string& hotKeyName);
 
 /// What to do about a hot key that the desktop does not give us.
 std::string refusedHotKeyNote(const std::string& hotKeyName);

@@ -13,6 +13,7 @@ Qt::WindowFlags flagsOf(const WindowSet::Style& style) {
     Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
                             | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
     if (style.isResizable) flags |= Qt::WindowMinMaxButtonsHint;
+    if (style.isFloating) flags |= Qt::WindowStaysOnTopHint;
     return flags;
 }
 
@@ -23,13 +24,6 @@ void placeNew(QWidget& window) {
     const QRect room = screen->availableGeometry();
     window.resize(window.sizeHint().boundedTo(room.size() * 9 / 10));
     window.move(room.center() - window.rect().center());
-}
-
-void bringToFront(QWidget& window) {
-    window.show();
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.raise();
-    window.activateWindow();
 }
 
 } // namespace
@@ -53,6 +47,14 @@ QWidget& WindowSet::present(const std::string& id, const Style& style, const Con
     }
     bringToFront(*place);
     return *place;
+}
+
+void WindowSet::bringToFront(QWidget& window) {
+    window.show();
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.raise();
+    window.activateWindow();
+    windowSystem.bringToFront(static_cast<std::uint32_t>(window.winId()));
 }
 
 void WindowSet::putAway(QWidget& window) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Ports/WindowSystem.h"
+
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -16,7 +18,9 @@ namespace tavik {
 /// What the windows show may end with the set: they are gone when it is.
 class WindowSet {
 public:
-    WindowSet() = default;
+    /// The window system must outlive the set.
+    explicit WindowSet(WindowSystem& windowSystem) : windowSystem(windowSystem) {}
+
     ~WindowSet();
     WindowSet(const WindowSet&) = delete;
     WindowSet& operator=(const WindowSet&) = delete;
@@ -26,6 +30,8 @@ public:
         bool isResizable = false;
         /// Whether a new window takes the place of one that is there; else that comes to the front.
         bool isRecreated = false;
+        /// Whether it stays above the windows of other programs.
+        bool isFloating = false;
     };
 
     using Content = std::function<std::unique_ptr<QWidget>()>;
@@ -39,8 +45,10 @@ public:
     QWidget* window(const std::string& id) const;
 
 private:
+    void bringToFront(QWidget& window);
     void putAway(QWidget& window);
 
+    WindowSystem& windowSystem;
     std::map<std::string, QPointer<QWidget>> windows;
     /// Closed ones that may be in the middle of an event of their own.
     std::vector<QPointer<QWidget>> replaced;

@@ -45,7 +45,7 @@ protected:
 
     static QWidget* panel() {
         for (QWidget* const window : QApplication::topLevelWidgets())
-            if (window->isVisible() && window->windowTitle() == u"Tavik 查词") return window;
+            if (window->isVisible() && window->windowTitle() == u"Tavik 释义") return window;
         return nullptr;
     }
 
@@ -158,6 +158,9 @@ TEST_F(PopupTest, onAScaledScreenTheFrameIsInItsPixels) {
 
 TEST_F(PopupTest, enterSavesTheWordWithItsSentence) {
     show("running");
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(panel(), &held);
+    EXPECT_EQ(env.store().wordCount(), 0) << "pressed for a window that is gone";
     press(Qt::Key_Return);
     EXPECT_THAT(texts(), Contains("已在生词本"));
     EXPECT_EQ(env.store().wordCount(), 1);
@@ -228,7 +231,7 @@ TEST_F(PopupTest, screenReadersKnowEveryPart) {
     const auto interfaceOf = [](QObject* object) {
         return QAccessible::queryAccessibleInterface(object);
     };
-    EXPECT_EQ(interfaceOf(panel())->text(QAccessible::Name), QStringLiteral("Tavik 查词：run"));
+    EXPECT_EQ(interfaceOf(panel())->text(QAccessible::Name), QStringLiteral("Tavik 释义：run"));
     for (auto* const button : panel()->findChildren<QAbstractButton*>()) {
         QAccessibleInterface* const described = interfaceOf(button);
         EXPECT_EQ(described->role(), QAccessible::Button);

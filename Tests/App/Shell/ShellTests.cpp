@@ -1,4 +1,5 @@
 #include "App/Support/FakeDesktop.h"
+#include "App/Support/WindowTexts.h"
 #include "Shell/StatusIcon.h"
 #include "Shell/StatusTexts.h"
 
@@ -7,11 +8,13 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QMetaObject>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QTimeEdit>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -20,8 +23,10 @@ namespace tavik {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::Contains;
 using testing::Each;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 TEST(StatusTexts, theCountStandsInTheIconAndInTheToolTip) {
@@ -104,6 +109,54 @@ TEST_F(ShellTest, theWindowFollowsTheBookAfterAWake) {
     EXPECT_THAT(shownTexts(), Contains("生词本里有 1 个生词，1 个待复习"));
 }
 
+TEST_F(ShellTest, theMenuHoldsEverythingInItsOrder) {
+    trust.current.set(AccessibilityTrust::State::notTrusted);
+    ASSERT_TRUE(open());
+    VocabularyStore elsewhere((data / AppEnvironment::bookName).string());
+    test::addWord(elsewhere, "one", std::nullopt, test::day(0));
+    delegate.finishLaunching();
+    instance.show();
+    std::vector<std::string> titles;
+    for (const QPushButton* const row : windowsWith("Tavik").at(0)->findChildren<QPushButton*>())
+        titles.push_back((row->text() + '|' + row->shortcut().toString()).toStdString());
+    EXPECT_THAT(titles,
+                ElementsAre("⚠️ 未授权辅助功能，无法划词 — 点此设置|",
+                            "划词查询  ⌥D|", "输入查词…|Ctrl+L", "今日复习（1 个待复习）|Ctrl+R",
+                            "生词本（1）|Ctrl+V", "设置…|Ctrl+,", "退出 Tavik|Ctrl+Q"));
+}
+
+TEST_F(ShellTest, whoAnswersTheReminderGetsTheReview) {
+    ASSERT_TRUE(open());
+    delegate.finishLaunching();
+    notifier.respond("tavik.daily-review");
+    EXPECT_EQ(windowsWith("Tavik · 今日复习").size(), 1U);
+    QApplication::closeAllWindows();
+}
+
+TEST_F(ShellTest, theSettingsOfTheReminderActAtOnce) {
+    ASSERT_TRUE(open());
+    delegate.finishLaunching();
+    delegate.showSettings();
+    QWidget& window = *windowsWith("Tavik 设置").at(0);
+    test::buttonOf(window, "每天提醒我复习(&R)").click();
+    EXPECT_FALSE(settings.reminderEnabled.value());
+    test::settle();
+    EXPECT_FALSE(window.findChild<QTimeEdit*>()->isEnabled());
+    settings.reminderEnabled.set(true);
+    test::settle();
+    window.findChild<QTimeEdit*>()->setTime(QTime(20, 45));
+    EXPECT_EQ(settings.reminderHour.value(), 9) << "the user may be on the way to another time";
+    test::pressKey(*window.findChild<QTimeEdit*>(), Qt::Key_Return);
+    EXPECT_EQ(settings.reminderHour.value(), 20);
+    EXPECT_EQ(settings.reminderMinute.value(), 45);
+    notifier.answerAll(Notifier::AuthorizationStatus::denied);
+    EXPECT_THAT(test::textsOf(window), Contains(HasSubstr("没有通知服务")));
+    test::buttonOf(window, "发送测试通知").click();
+    pass(std::chrono::seconds(1));
+    EXPECT_EQ(notifier.notifications.size(), 1U);
+    window.close();
+}
+
 TEST_F(ShellTest, aReviewBeginsAnewAndTheBookComesBackAsItIs) {
     EXPECT_EQ(reviewRow(0), "今日复习（已完成）");
     EXPECT_EQ(reviewRow(3), "今日复习（3 个待复习）");
@@ -174,7 +227,8 @@ protected:
         return lines;
     }
 
-    const QString popup = QStringLiteral("Tavik 查词");
+    const QString popup = QStringLiteral("Tavik 释义");
+    const QString quick = QStringLiteral("Tavik 查词");
     const QString question = QStringLiteral("欢迎使用 Tavik");
 };
 
@@ -197,9 +251,11 @@ TEST_F(HotKeyTest, whoSelectedNothingOrGaveNoLeaveIsToldWhatToDo) {
     pasteboard.copied.reset();
     delegate.finishLaunching();
     hotKeys.press();
-    EXPECT_TRUE(runUntil([this] { return !notifier.notifications.empty(); }));
-    EXPECT_EQ(notifier.notifications.front().title, "没有读取到选中的文字");
-    EXPECT_THAT(notifier.notifications.front().body, HasSubstr("⌥D（Alt+D）"));
+    EXPECT_TRUE(runUntil([this] { return isShown(quick); }));
+    EXPECT_THAT(shownTexts(),
+                Contains(AllOf(HasSubstr("没有读取到选中的文字"), HasSubstr("⌥D（Alt+D）"))));
+    EXPECT_TRUE(notifier.notifications.empty());
+    windowsWith(quick).at(0)->close();
     trust.current.set(AccessibilityTrust::State::notTrusted);
     EXPECT_THAT(rowTitles(),
                 Contains("⚠️ 未授权辅助功能，无法划词 — 点此设置"));
@@ -212,6 +268,23 @@ TEST_F(HotKeyTest, whoSelectedNothingOrGaveNoLeaveIsToldWhatToDo) {
         if (button->text() == u"开启") button->click();
     EXPECT_EQ(trust.timesEnabled, 1);
     EXPECT_TRUE(settings.onboardingDone.value());
+}
+
+TEST_F(HotKeyTest, whatIsTypedInsteadIsKeptUntilItIsLookedUp) {
+    pasteboard.copied.reset();
+    delegate.finishLaunching();
+    delegate.showQuickLookup();
+    const QPointer<QWidget> first = windowsWith(quick).at(0);
+    EXPECT_TRUE(first->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    first->findChild<QLineEdit*>()->setText("ephemeral");
+    hotKeys.press();
+    EXPECT_TRUE(runUntil([&] { return windowsWith(quick) != std::vector<QWidget*>{first}; }));
+    QWidget& second = *windowsWith(quick).at(0);
+    EXPECT_EQ(second.findChild<QLineEdit*>()->text(), "ephemeral");
+    test::buttonOf(second, "查词").click();
+    EXPECT_FALSE(isShown(quick));
+    EXPECT_TRUE(runUntil([this] { return isShown(popup); }));
+    EXPECT_EQ(windowsWith(popup).at(0)->accessibleName(), "Tavik 释义：ephemeral");
 }
 
 TEST_F(HotKeyTest, aCombinationThatIsTakenIsToldOfAndAnotherOneTried) {

@@ -202,6 +202,8 @@ public:
 
     void returnKeyboard(std::uint32_t /*window*/) override { calls.emplace_back("return"); }
 
+    void bringToFront(std::uint32_t /*window*/) override { calls.emplace_back("front"); }
+
     std::vector<Screen> shown{{{0, 0, 1280, 800}, {0, 24, 1280, 776}, 1}};
     ScreenPoint mouse{640, 400};
     bool isTranslucent = true;

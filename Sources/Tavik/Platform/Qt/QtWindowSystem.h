@@ -18,6 +18,9 @@ public:
     void takeKeyboard(std::uint32_t window) override;
 
     void returnKeyboard(std::uint32_t) override {}
+
+    /// Qt has asked for it.
+    void bringToFront(std::uint32_t) override {}
 };
 
 } // namespace tavik

@@ -58,7 +58,7 @@ std::unique_ptr<PopupPanel, PopupController::LaterDeletion> PopupController::mak
     auto view = std::make_unique<PopupView>(model, canExplain(), actions(), theme);
     std::unique_ptr<PopupPanel, LaterDeletion> made(
         std::make_unique<PopupPanel>(std::move(view), windows.hasCompositor(), theme).release());
-    made->setAccessibleName(QStringLiteral("Tavik 查词：")
+    made->setAccessibleName(QStringLiteral("Tavik 释义：")
                             + QString::fromStdString(model->title()).simplified());
     made->setOnEscape([this] { close(); });
     made->setOnReturn([this] { save(); });

@@ -36,7 +36,7 @@ public:
 
     const LookupResult& result() const { return lookup; }
 
-    /// "ax-marker", "ax-text" or "clipboard".
+    /// "ax-marker", "ax-text", "clipboard" or "manual".
     const std::string& captureMethod() const { return method; }
 
     /// Nothing when no explanation was asked for.

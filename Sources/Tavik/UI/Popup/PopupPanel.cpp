@@ -41,7 +41,7 @@ PopupPanel::PopupPanel(std::unique_ptr<PopupView> content, bool isTranslucent, c
     setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFocusPolicy(Qt::StrongFocus);
-    setWindowTitle(QStringLiteral("Tavik 查词"));
+    setWindowTitle(QStringLiteral("Tavik 释义"));
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(shadowMargins(isTranslucent));
     layout->addWidget(this->content);
@@ -110,7 +110,8 @@ void PopupPanel::keyPressEvent(QKeyEvent* event) {
     if (key == Qt::Key_Escape) {
         if (onEscape) onEscape();
     } else if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-        confirm();
+        // One that is still held down was meant for the window before.
+        if (!event->isAutoRepeat()) confirm();
     } else if (!content->scrollBy(key)) {
         QWidget::keyPressEvent(event);
     }

@@ -9,6 +9,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -134,6 +136,26 @@ void X11WindowSystem::returnKeyboard(std::uint32_t window) {
     const xcb_window_t active = activeWindow();
     if (active != XCB_NONE && setFocus({active, XCB_INPUT_FOCUS_POINTER_ROOT})) return;
     static_cast<void>(setFocus({XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT}));
+}
+
+/// Qt asks too, but as a program by itself and with the time of the last event that it saw, which a
+/// window manager may find older than what the user has done elsewhere since.
+void X11WindowSystem::bringToFront(std::uint32_t window) {
+    constexpr std::uint32_t byTheUser = 2;
+    xcb_client_message_event_t wish{};
+    wish.response_type = XCB_CLIENT_MESSAGE;
+    wish.format = 32;
+    wish.window = window;
+    wish.type =
+        atomsOf(connection, std::array{std::string_view("_NET_ACTIVE_WINDOW")}, false).front();
+    wish.data.data32[0] = byTheUser;
+    wish.data.data32[1] = clock.now().value_or(XCB_CURRENT_TIME);
+    const auto receivers =
+        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
+    // The library takes the event as the bytes that are sent.
+    const auto bytes = std::bit_cast<std::array<char, sizeof wish>>(wish);
+    xcb_send_event(connection, 0, root, receivers, bytes.data());
+    xcb_flush(connection);
 }
 
 std::optional<X11WindowSystem::Focus> X11WindowSystem::focus() const {

@@ -26,6 +26,7 @@ public:
     void takeKeyboard(std::uint32_t window) override;
     /// The keyboard has moved when this returns.
     void returnKeyboard(std::uint32_t window) override;
+    void bringToFront(std::uint32_t window) override;
 
 private:
     /// Who has the keyboard, and what becomes of it when that window goes.
