@@ -1,88 +1,32 @@
-#include "Platform/Support/Daemon.h"
+#include "Platform/Support/ProgramTest.h"
 #include "Support/Book.h"
-#include "Support/ChildProcess.h"
-#include "Support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 namespace tavik {
 namespace {
 
 namespace fs = std::filesystem;
-using nlohmann::json;
 using test::BackgroundProgram;
 using test::Daemon;
 using testing::HasSubstr;
 using namespace std::chrono_literals;
 
-/// The program as users start it, with data and settings of its own.
-class ProgramTests : public testing::Test {
+class ProgramTests : public test::ProgramTest {
 protected:
-    std::vector<std::string> command(const std::vector<std::string>& arguments = {}) const {
-        std::vector<std::string> all{"/usr/bin/env", "TAVIK_DATA_DIR=" + data,
-                                     "XDG_CONFIG_HOME=" + settings, TAVIK_PROGRAM};
-        all.insert(all.end(), arguments.begin(), arguments.end());
-        return all;
-    }
-
-    /// Starts a program that ends by itself.
-    test::ProcessResult startToEnd(const std::vector<std::string>& arguments = {}) const {
-        auto limited = command(arguments);
-        limited.insert(limited.begin(), {"/usr/bin/timeout", "20"});
-        return test::runProcess(limited);
-    }
-
-    /// Whether something is so within the time that a person would wait for it.
-    static bool soon(const std::function<bool()>& isSo) {
-        for (int attempt = 0; attempt < 250; ++attempt) {
-            if (isSo()) return true;
-            std::this_thread::sleep_for(20ms);
-        }
-        return false;
-    }
-
-    /// What the tray answers to a command.
-    static json tray(const std::string& words) {
-        const auto asked =
-            test::runProcess({"/usr/bin/gdbus", "call", "--session", "-d", "com.tavik.TestTray",
-                              "-o", "/", "-m", "com.tavik.TestTray.Command", "[" + words + "]"});
-        const auto begin = asked.output.find('{');
-        const auto end = asked.output.rfind('}');
-        if (begin == std::string::npos || end == std::string::npos) return {};
-        return json::parse(asked.output.substr(begin, end - begin + 1), nullptr, false);
-    }
-
-    static std::string toolTip() {
-        const json item = tray("'item'");
-        return item.contains("item") ? item["item"]["ToolTip"].dump() : "";
-    }
-
-    static bool isWindowShown(const std::string& title) {
-        return test::runProcess({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", title})
-                   .exitCode
-               == 0;
-    }
-
-    static void press(const std::string& keys) {
-        test::runProcess({"/usr/bin/xdotool", "key", keys});
-    }
-
     static void pressEscape() {
         std::this_thread::sleep_for(300ms);
         press("Escape");
     }
 
-    test::TemporaryDirectory directory;
-    std::string data = directory.file("data");
-    std::string settings = directory.file("settings");
+    /// The title of the window that gets the keys, whether the window manager knows it or not.
+    static std::string focusedWindow() {
+        return test::runProcess({"/usr/bin/xdotool", "getwindowfocus", "getwindowname"}).output;
+    }
 };
 
 TEST_F(ProgramTests, aPanelThatStartsLaterGetsTheIconWithItsMenu) {
@@ -92,7 +36,7 @@ TEST_F(ProgramTests, aPanelThatStartsLaterGetsTheIconWithItsMenu) {
     BackgroundProgram program(command());
     std::this_thread::sleep_for(500ms);
     const Daemon panel({"tray-watcher"});
-    ASSERT_TRUE(soon([] { return toolTip().find("Tavik：1 个生词待复习") != std::string::npos; }));
+    ASSERT_TRUE(soon([] { return toolTip() == "Tavik：1 个生词待复习"; }));
     EXPECT_THAT(tray("'menu'").dump(), HasSubstr("退出 Tavik"));
     tray("'click', '退出 Tavik'");
     EXPECT_EQ(program.exitCodeWithin(5s), 0);
@@ -100,13 +44,13 @@ TEST_F(ProgramTests, aPanelThatStartsLaterGetsTheIconWithItsMenu) {
 
 TEST_F(ProgramTests, aSecondStartShowsTheFirstAndEndsAndOtherDataHaveAProgramOfTheirOwn) {
     BackgroundProgram first(command());
-    ASSERT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    ASSERT_TRUE(becomesReady());
     EXPECT_FALSE(isWindowShown("^Tavik$"));
     EXPECT_EQ(startToEnd().exitCode, 0);
     EXPECT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
     data = directory.file(std::string(150, 'x'));
     BackgroundProgram other(command());
-    EXPECT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    EXPECT_TRUE(becomesReady());
     EXPECT_EQ(first.exitCodeWithin(0ms), std::nullopt);
     other.signal(SIGTERM);
     EXPECT_EQ(other.exitCodeWithin(5s), 0);
@@ -132,17 +76,16 @@ TEST_F(ProgramTests, aKilledProgramStandsInNobodysWayAndAStoppedOneIsNotWaitedFo
 }
 
 TEST_F(ProgramTests, theHotKeyShowsTheWordEnterSavesItAndTheKeyboardComesBack) {
-    fs::create_directories(settings + "/Tavik");
-    std::ofstream(settings + "/Tavik/preferences.json") << R"({"onboardingDone": true})";
+    writePreferences(R"({"onboardingDone": true})");
     const std::string keys = directory.file("keys");
     const BackgroundProgram target({TAVIK_COPY_TARGET, "text=ephemeral"}, keys);
     test::awaitText("ready", keys);
     BackgroundProgram program(command());
-    ASSERT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
-    const auto isPopupShown = [] { return isWindowShown("^Tavik 查词$"); };
+    ASSERT_TRUE(becomesReady());
+    const auto isPopupShown = [] { return isWindowShown("^Tavik 释义$"); };
     std::this_thread::sleep_for(500ms);
     press("alt+d");
-    ASSERT_TRUE(soon(isPopupShown));
+    ASSERT_TRUE(soon([] { return focusedWindow() == "Tavik 释义\n"; }));
     const std::string before = test::readFile(keys);
     press("Return");
     const VocabularyStore book(data + "/tavik.sqlite");
@@ -161,7 +104,7 @@ TEST_F(ProgramTests, aHungWatcherBesideATrayHoldsNothingUp) {
     const Daemon tray({"tray-trayer"});
     const Daemon watcher({"name-hung", "org.kde.StatusNotifierWatcher"});
     BackgroundProgram program(command());
-    ASSERT_TRUE(soon([this] { return fs::exists(data + "/tavik.socket"); }));
+    ASSERT_TRUE(becomesReady());
     EXPECT_EQ(startToEnd().exitCode, 0);
     EXPECT_TRUE(soon([] { return isWindowShown("^Tavik$"); }));
     program.signal(SIGTERM);
