@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <optional>
 #include <random>
 #include <string>
@@ -240,7 +241,7 @@ TEST_F(ReminderManagerTest, aBookThatCannotBeReadForAWhileOnlyDelaysTheReminder)
 
 TEST_F(ReminderManagerTest, whateverHappensEachFireDateIsShownOnceWithinAMinute) {
     startWithWords(1);
-    std::mt19937 random(11); // NOLINT(cert-msc32-c,cert-msc51-cpp): the same steps each time.
+    std::mt19937 random(11); // The same steps each time.
     const auto upTo = [&](int most) { return std::uniform_int_distribution(1, most)(random); };
     const std::array zones{"Asia/Shanghai", "Europe/Berlin", "America/St_Johns", "Asia/Tokyo"};
     Date seenUntil = now;
