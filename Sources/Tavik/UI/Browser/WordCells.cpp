@@ -1,26 +1,15 @@
 #include "UI/Browser/WordCells.h"
 
 #include "UI/Browser/VocabularyTable.h"
+#include "UI/Widgets/ElidedText.h"
 #include "UI/Widgets/Fonts.h"
 
-#include <QFontMetrics>
 #include <QPainter>
 
 namespace tavik {
 namespace {
 
 constexpr int gap = 8;
-
-/// Returns where the text ends.
-int paintText(QPainter& painter, const QRect& place, const QFont& font, const QColor& color,
-              const QString& text) {
-    const QFontMetrics metrics(font);
-    const QString shown = metrics.elidedText(text, Qt::ElideRight, place.width());
-    painter.setFont(font);
-    painter.setPen(color);
-    painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown);
-    return place.left() + metrics.horizontalAdvance(shown);
-}
 
 } // namespace
 
@@ -44,16 +33,16 @@ void WordCells::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const bool isSelected = option.state.testFlag(QStyle::State_Selected);
     const QColor& quiet = isSelected ? colors->text : colors->secondaryText;
     if (index.column() == VocabularyTable::wordColumn) {
-        const int end = paintText(*painter, place, uiFont(FontSizes::body, QFont::DemiBold),
-                                  colors->text, text);
+        const int end = paintElided(*painter, place, uiFont(FontSizes::body, QFont::DemiBold),
+                                    colors->text, text);
         place.setLeft(end + gap);
         if (place.width() > gap)
-            paintText(*painter, place, uiFont(FontSizes::secondary), quiet,
-                      index.data(VocabularyTable::phoneticRole).toString());
+            paintElided(*painter, place, uiFont(FontSizes::secondary), quiet,
+                        index.data(VocabularyTable::phoneticRole).toString());
     } else if (index.column() == VocabularyTable::glossColumn) {
-        paintText(*painter, place, uiFont(FontSizes::body), colors->text, text);
+        paintElided(*painter, place, uiFont(FontSizes::body), colors->text, text);
     } else {
-        paintText(*painter, place, uiFont(FontSizes::secondary), quiet, text);
+        paintElided(*painter, place, uiFont(FontSizes::secondary), quiet, text);
     }
     painter->restore();
 }

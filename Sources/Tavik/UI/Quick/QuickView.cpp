@@ -9,9 +9,7 @@
 #include <QHBoxLayout>
 #include <QInputMethod>
 #include <QKeyEvent>
-#include <QPainter>
 #include <QShortcut>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -22,69 +20,14 @@ constexpr int viewWidth = 440;
 constexpr int padding = 16;
 constexpr int spacing = 8;
 constexpr int mostSuggestions = 8;
-constexpr int rowHeight = 36;
-constexpr int rowPadding = 10;
-constexpr int corner = 6;
-constexpr int gap = 10;
-/// Of a row, at most, for a phrase that would leave its meaning no room.
-constexpr double greatestWordShare = 0.6;
 
 } // namespace
-
-/// Paints a suggestion: the word and, quieter, what it means.
-class QuickView::Rows final : public QStyledItemDelegate {
-public:
-    explicit Rows(const Theme* const& colors) : colors(colors) {}
-
-    QSize sizeHint(const QStyleOptionViewItem& /*option*/,
-                   const QModelIndex& /*index*/) const override {
-        return {viewWidth - 2 * padding, rowHeight};
-    }
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        const bool isCurrent = option.state.testFlag(QStyle::State_Selected);
-        const bool isUnderMouse = option.state.testFlag(QStyle::State_MouseOver);
-        if (isCurrent || isUnderMouse) {
-            painter->setPen(Qt::NoPen);
-            painter->setBrush(isCurrent ? colors->blue.ground : colors->hover);
-            painter->drawRoundedRect(option.rect, corner, corner);
-        }
-        QRect place = option.rect.adjusted(rowPadding, 0, -rowPadding, 0);
-        const int most = static_cast<int>(place.width() * greatestWordShare);
-        const int end =
-            paintText(*painter, place.left(), most, place, uiFont(FontSizes::body, QFont::DemiBold),
-                      colors->text, index.data().toString());
-        place.setLeft(end + gap);
-        paintText(*painter, place.left(), place.width(), place, uiFont(FontSizes::secondary),
-                  isCurrent ? colors->text : colors->secondaryText,
-                  index.data(SuggestionRows::glossRole).toString());
-        painter->restore();
-    }
-
-private:
-    /// Returns where the text ends.
-    static int paintText(QPainter& painter, int left, int room, const QRect& row, const QFont& font,
-                         const QColor& color, const QString& text) {
-        const QFontMetrics metrics(font);
-        const QString shown = metrics.elidedText(text, Qt::ElideRight, room);
-        painter.setFont(font);
-        painter.setPen(color);
-        painter.drawText(QRect(left, row.top(), room + 1, row.height()),
-                         Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, shown);
-        return left + metrics.horizontalAdvance(shown);
-    }
-
-    const Theme* const& colors;
-};
 
 QuickView::QuickView(AppEnvironment& env, QuickActions actions, const std::string& note,
                      const std::string& typed)
     : env(env), actions(std::move(actions)),
       themeFollower(*this, env.prefersDark(), [this] { applyTheme(); }),
-      colors(&themeFollower.theme()), rows(std::make_unique<Rows>(colors)) {
+      colors(&themeFollower.theme()), cells(*colors) {
     setAutoFillBackground(true);
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(padding, padding, padding, padding);
@@ -109,8 +52,6 @@ QuickView::QuickView(AppEnvironment& env, QuickActions actions, const std::strin
     showSuggestions();
 }
 
-QuickView::~QuickView() = default;
-
 QLayout* QuickView::makeFieldRow() {
     field = textField(QStringLiteral("输入英文单词或短语"), QStringLiteral("清空"),
                       FontSizes::headword - 4);
@@ -134,7 +75,7 @@ QLayout* QuickView::makeFieldRow() {
 QWidget* QuickView::makeList() {
     list = new QListView;
     list->setModel(&suggestions);
-    list->setItemDelegate(rows.get());
+    list->setItemDelegate(&cells);
     list->setFrameShape(QFrame::NoFrame);
     list->setFocusPolicy(Qt::NoFocus);
     list->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -148,7 +89,7 @@ QWidget* QuickView::makeList() {
     emptyText->setAlignment(Qt::AlignCenter);
     emptyText->setWordWrap(true);
     pages = new QStackedWidget;
-    pages->setFixedSize(viewWidth - 2 * padding, mostSuggestions * rowHeight);
+    pages->setFixedSize(viewWidth - 2 * padding, mostSuggestions * SuggestionCells::rowHeight);
     pages->addWidget(list);
     pages->addWidget(emptyText);
     return pages;
@@ -228,6 +169,7 @@ void QuickView::applyTheme() {
     setPalette(colors->palette());
     button->setTheme(*colors);
     setThemeOfField(*field, *colors);
+    cells.setTheme(*colors);
     list->viewport()->update();
 }
 

@@ -2,6 +2,7 @@
 
 #include "Capture/CaptureResult.h"
 #include "Environment/AppEnvironment.h"
+#include "UI/Quick/SuggestionCells.h"
 #include "UI/Quick/SuggestionRows.h"
 #include "UI/Widgets/ActionButton.h"
 #include "UI/Widgets/ThemeFollower.h"
@@ -13,7 +14,6 @@
 #include <QTimer>
 #include <QWidget>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -34,7 +34,7 @@ public:
     /// beginning, to be typed over. The environment must outlive the view.
     QuickView(AppEnvironment& env, QuickActions actions, const std::string& note = {},
               const std::string& typed = {});
-    ~QuickView() override;
+    ~QuickView() override = default;
     QuickView(const QuickView&) = delete;
     QuickView& operator=(const QuickView&) = delete;
 
@@ -45,8 +45,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    class Rows;
-
     QLayout* makeFieldRow();
     QWidget* makeList();
     void showSuggestions();
@@ -60,7 +58,7 @@ private:
     ThemeFollower themeFollower;
     const Theme* colors;
     SuggestionRows suggestions;
-    std::unique_ptr<Rows> rows;
+    SuggestionCells cells;
     QLineEdit* field = nullptr;
     ActionButton* button = nullptr;
     QListView* list = nullptr;
